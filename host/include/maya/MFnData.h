@@ -1,0 +1,18 @@
+#pragma once
+#include <maya/MFnBase.h>
+
+/// Base of the function sets on data objects.
+class MFnData : public MFnBase
+{
+public:
+    enum Type {
+        kInvalid, kNumeric, kPlugin, kPluginGeometry, kString, kMatrix, kStringArray, kDoubleArray, kFloatArray,
+        kIntArray, kPointArray, kVectorArray, kMatrixArray, kComponentList, kMesh, kLattice, kNurbsCurve,
+        kNurbsSurface, kSphere, kDynArrayAttrs, kDynSweptGeometry, kSubdSurface, kNObject, kNId, kAny, kLast
+    };
+
+    MFnData() = default;
+    explicit MFnData(MObject& object, MStatus* ReturnStatus = nullptr);
+    ~MFnData() override;
+    MFn::Type type() const override;
+};
