@@ -12,6 +12,7 @@
 namespace mirk {
 
 class Dag;
+class Node;
 
 /// A node type: immutable once registered. `table` is flat: base type's attributes first, then own, parents before
 /// children; `affects[slot]` names slots.
@@ -31,6 +32,11 @@ public:
     bool         shape = false;
     bool         abstract = false;
     void*      (*creator)() = nullptr;
+    /// Built-in types that need more than Node: shapes are geometry sources, for instance.
+    Node*      (*make)(NodeType*, std::string) = nullptr;
+    /// Dirt that crosses the DAG or that the affects table cannot tell: called when an attribute of a node gets dirty,
+    /// adds the cells that are dirty too. Evaluates nothing.
+    void       (*onDirty)(Node&, const Attribute&, std::vector<Cell*>& alsoDirty) = nullptr;
     size_t       order = 0;                   ///< of registration
 
     std::vector<Ref<Attribute>>    table;
