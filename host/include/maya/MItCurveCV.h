@@ -10,7 +10,8 @@ namespace mirk {
 class CvWalk;
 }
 
-/// Walks the CVs of a curve, or those of a component on it. The overlapping CVs of a periodic curve come up once.
+/// Walks the CVs of a curve, or those of a component on it. The overlapping CVs of a periodic curve come up
+/// too; writing one writes the one it repeats.
 class MItCurveCV
 {
 public:

@@ -13,7 +13,8 @@ class PointWalk;
 }
 
 /// Walks the points of any geometry: vertices of a mesh, CVs of a curve, CVs of a surface with V running fastest. Built
-/// with a group id it walks the members of that object group only, and nothing if there is no such group.
+/// with a group id it walks the members of that object group only, and nothing if there is no such group. The overlapping
+/// CVs of periodic curves and surfaces are walked too; writing one writes those it repeats.
 class MItGeometry
 {
 public:

@@ -11,7 +11,8 @@ class CvWalk;
 }
 
 /// Walks the CVs of a surface row by row (a row is one U index, V running along it; the other way round without
-/// `useRows`), or those of a component on it. The overlapping CVs of a periodic direction come up once.
+/// `useRows`), or those of a component on it. The overlapping CVs of a periodic direction come up too; writing one writes
+/// those it repeats.
 class MItSurfaceCV
 {
 public:
