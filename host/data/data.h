@@ -7,9 +7,12 @@
 #include <vector>
 
 #include <maya/MFnData.h>
+#include <maya/MFnNumericData.h>
 
 #include "data/buffer.h"
 #include "data/object.h"
+
+class MTransformationMatrix;
 
 namespace mirk {
 
@@ -61,7 +64,7 @@ public:
     int       dimensions() const { return dimensions_; }
     size_t    count() const { return indices.size() / dimensions_; }
 
-    std::vector<int> indices;             ///< `dimensions` numbers an element, in the order added
+    std::vector<int> indices;             ///< `dimensions` numbers an element; component.h keeps them sorted and unique
     bool             complete = false;
     int              completeCount[3] = {0, 0, 0};
 
@@ -116,6 +119,24 @@ public:
     Ref<Data>     share() const override;
 
     double value[4][4] = {{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 1, 0}, {0, 0, 0, 1}};
+    /// Set if the data was made from a transformation, which then stands beside its matrix; never written in place.
+    std::shared_ptr<const MTransformationMatrix> transformation;
+};
+
+/// One to four numbers of one kind. Integers (kInt64 apart) and floats are exact in doubles.
+class NumericData : public Data
+{
+public:
+    explicit NumericData(MFnNumericData::Type t = MFnNumericData::kDouble) : numericType(t) {}
+    MFnData::Type type() const override { return MFnData::kNumeric; }
+    MFn::Type     apiType() const override;
+    bool          hasFn(MFn::Type t) const override { return t == MFn::kNumericData || Data::hasFn(t); }
+    Ref<Data>     share() const override;
+    int           count() const;   ///< numbers held: 1 to 4
+
+    MFnNumericData::Type numericType;
+    double               value[4] = {0, 0, 0, 0};
+    int64_t              integer = 0;   ///< kInt64 and kAddr keep theirs here
 };
 
 /// What a geometry holds besides its points: the transform that travels with it, and the object groups.

@@ -12,7 +12,7 @@ public:
     };
 
     MFnData() = default;
-    explicit MFnData(MObject& object, MStatus* ReturnStatus = nullptr);
+    explicit MFnData(const MObject& object, MStatus* ReturnStatus = nullptr);
     ~MFnData() override;
     MFn::Type type() const override;
 };

@@ -1,0 +1,27 @@
+#pragma once
+#include <iosfwd>
+
+#include <maya/MStatus.h>
+#include <maya/MString.h>
+#include <maya/MTypeId.h>
+
+class MArgList;
+
+/// Base of the data types that a plug-in defines.
+class MPxData
+{
+public:
+    enum Type { kData, kGeometryData, kLast };
+
+    MPxData();
+    virtual ~MPxData();
+
+    virtual MStatus readASCII(const MArgList& argList, unsigned int& endOfTheLastParsedElement);
+    virtual MStatus readBinary(std::istream& in, unsigned int length);
+    virtual MStatus writeASCII(std::ostream& out);
+    virtual MStatus writeBinary(std::ostream& out);
+    /// Takes over the contents of another object of the same type.
+    virtual void    copy(const MPxData& other) = 0;
+    virtual MTypeId typeId() const = 0;
+    virtual MString name() const = 0;
+};
