@@ -5,6 +5,8 @@
 #include <cstring>
 #include <type_traits>
 
+#include <maya/MArrayBase.h>
+
 #include "data/object.h"
 
 namespace mirk {
@@ -16,11 +18,29 @@ void  poolFree(void* block, size_t bytes) noexcept;
 /// Gives every kept block back to the system.
 void  poolTrim() noexcept;
 
+/// Counts the array aliases among a buffer's holders. They belong to one data object and see what it writes, so they
+/// do not make the buffer shared.
+class AliasCount
+{
+public:
+    AliasCount() = default;
+    AliasCount(const AliasCount&) noexcept {}
+
+    void addAlias() noexcept { aliases_.fetch_add(1, std::memory_order_relaxed); }
+    void releaseAlias() noexcept { aliases_.fetch_sub(1, std::memory_order_relaxed); }
+    int  aliasCount() const noexcept { return aliases_.load(std::memory_order_relaxed); }
+
+private:
+    std::atomic<int32_t> aliases_{0};
+};
+
 /// A counted, growable run of plain values. Shared through Ref; `detach` below is how a writer gets its own.
 template <class T>
-class Buffer : public Counted<Buffer<T>>
+class Buffer : public Counted<Buffer<T>>, public BufferView<T>, public AliasCount
 {
     static_assert(std::is_trivially_copyable_v<T>);
+    using BufferView<T>::data_;
+    using BufferView<T>::size_;
 
 public:
     Buffer() = default;
@@ -28,9 +48,12 @@ public:
     explicit Buffer(size_t n) { resize(n); }
     Buffer(size_t n, const T& value) { resize(n); for (size_t i = 0; i < n; ++i) data_[i] = value; }
     Buffer(const T* source, size_t n) { resize(n); copyIn(source, n); }
-    Buffer(const Buffer& o) : Counted<Buffer<T>>() { resize(o.size_); copyIn(o.data_, o.size_); }
+    Buffer(const Buffer& o) : Counted<Buffer<T>>(), BufferView<T>(), AliasCount() { resize(o.size_); copyIn(o.data_, o.size_); }
     Buffer& operator=(const Buffer&) = delete;
     ~Buffer() { if (data_) poolFree(data_, capacity_ * sizeof(T)); }
+
+    /// True if at most one holder is more than an alias.
+    bool     unique() const noexcept { return this->refCount() - this->aliasCount() <= 1; }
 
     size_t   size() const noexcept { return size_; }
     bool     empty() const noexcept { return size_ == 0; }
@@ -81,8 +104,6 @@ public:
 private:
     void copyIn(const T* source, size_t n) { if (n) std::memcpy(static_cast<void*>(data_), source, n * sizeof(T)); }
 
-    T*     data_ = nullptr;
-    size_t size_ = 0;
     size_t capacity_ = 0;
 };
 

@@ -28,6 +28,8 @@ public:
 
     virtual MFn::Type apiType() const = 0;
     virtual bool      hasFn(MFn::Type type) const { return type == MFn::kBase || type == apiType(); }
+    /// False once the object is no longer part of the scene, though handles still hold it.
+    virtual bool      valid() const { return true; }
 
 protected:
     virtual ~Object() = default;
@@ -51,7 +53,8 @@ public:
         if (refs_.fetch_sub(1, std::memory_order_acq_rel) == 1)
             delete static_cast<const T*>(this);
     }
-    bool unique() const noexcept { return refs_.load(std::memory_order_acquire) == 1; }
+    bool unique() const noexcept { return refCount() == 1; }
+    int  refCount() const noexcept { return refs_.load(std::memory_order_acquire); }
 
 private:
     mutable std::atomic<int32_t> refs_{0};

@@ -1,0 +1,15 @@
+#pragma once
+#include <maya/MApiVersion.h>
+
+// The interface lives in the global namespace; the macros keep sources that use them valid.
+#define OPENMAYA_MAJOR_NAMESPACE_OPEN
+#define OPENMAYA_MAJOR_NAMESPACE_CLOSE
+#define OPENMAYA_MAJOR_NAMESPACE_HEADER_OPEN
+#define OPENMAYA_MAJOR_NAMESPACE_HEADER_CLOSE
+#define OPENMAYA_MAJOR_NAMESPACE_SOURCE_OPEN
+#define OPENMAYA_MAJOR_NAMESPACE_SOURCE_CLOSE
+#define OPENMAYA_MAJOR_NAMESPACE_ABILITY
+#define OPENMAYA_NAMESPACE_OPEN
+#define OPENMAYA_NAMESPACE_CLOSE
+#define OPENMAYA_EXPORT
+#define OPENMAYA_AVAILABLE(...)

@@ -1,0 +1,4 @@
+#pragma once
+
+#define MAYA_API_VERSION 20220000
+#define MAYA_APP_VERSION 2022
