@@ -39,6 +39,8 @@ public:
     Ref<Buffer<MPoint>>     cvs    = make<Buffer<MPoint>>();       ///< cvsU * cvsV, V running fastest; never null
     Ref<Buffer<double>> knotsU = make<Buffer<double>>(), knotsV = make<Buffer<double>>();
 
+    int  uniqueU() const { return formU == NurbsForm::periodic ? cvsU - degreeU : cvsU; }
+    int  uniqueV() const { return formV == NurbsForm::periodic ? cvsV - degreeV : cvsV; }
     bool empty() const { return cvs->empty(); }
 };
 
@@ -102,6 +104,10 @@ std::string buildCurve(CurveBody& body, const MPoint* cvs, size_t cvCount, const
 std::string buildSurface(SurfaceBody& body, const MPoint* cvs, size_t cvCount, const double* knotsU, size_t knotCountU,
                          const double* knotsV, size_t knotCountV, int degreeU, int degreeV, NurbsForm formU,
                          NurbsForm formV, bool rational);
+
+/// Makes the repeated CVs of periodic directions equal to the first ones again; call after writing CVs.
+void syncPeriodic(CurveBody& body);
+void syncPeriodic(SurfaceBody& body);
 
 /// The matrix into the CVs, and the identity in its place: what copying a transformed shell does.
 void bakeMatrix(CurveBody& body);
