@@ -238,6 +238,8 @@ public:
     void  writeImage(const std::string& path, const Image& image) override { draw::writeImage(path, image); }
     Image readImage(const std::string& path) override { return draw::readImage(path); }
     std::string description() override;
+    void setCurrentColor(const Color& c) override { glColor4f(c.r, c.g, c.b, c.a); }
+    void drawPixelLines(const Camera& camera, const std::vector<float>& lines, float depth) override;
 
 private:
     /// The context waits for the first use that needs it: reading an image needs none.
@@ -382,6 +384,23 @@ std::string GlRenderer::description()
     const Context::Current current(context());
     const auto text = [](GLenum what) { return std::string(reinterpret_cast<const char*>(glGetString(what))); };
     return "OpenGL " + text(GL_VERSION) + ", " + text(GL_RENDERER);
+}
+
+void GlRenderer::drawPixelLines(const Camera& camera, const std::vector<float>& lines, float depth)
+{
+    for (const GLenum which : {GL_PROJECTION, GL_MODELVIEW}) {
+        glMatrixMode(which);
+        glPushMatrix();
+        glLoadIdentity();
+    }
+    glBegin(GL_LINES);
+    for (size_t i = 0; i + 1 < lines.size(); i += 2)
+        glVertex3f(2 * lines[i] / float(camera.width) - 1, 2 * lines[i + 1] / float(camera.height) - 1, depth);
+    glEnd();
+    for (const GLenum which : {GL_PROJECTION, GL_MODELVIEW}) {
+        glMatrixMode(which);
+        glPopMatrix();
+    }
 }
 
 }  // namespace

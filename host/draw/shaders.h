@@ -14,8 +14,8 @@ uniform vec3 anchor;
 uniform vec2 viewport;
 uniform int space;
 uniform float pixelScale, depthBias;
-out vec3 eyePosition, eyeNormal;
-out vec4 vertexColor;
+centroid out vec3 eyePosition, eyeNormal;   // no extrapolation at silhouettes
+centroid out vec4 vertexColor;
 void main()
 {
     vertexColor = color;
@@ -38,8 +38,8 @@ void main()
 )";
 
 inline constexpr const char* kItemFragment = R"(#version 330 compatibility
-in vec3 eyePosition, eyeNormal;
-in vec4 vertexColor;
+centroid in vec3 eyePosition, eyeNormal;
+centroid in vec4 vertexColor;
 uniform vec4 itemColor;
 uniform vec3 eyeUp;
 uniform bool hasColors, hasNormals, lit, screenDoor, roundPoint, perspective;

@@ -28,6 +28,7 @@ inline Matrix multiply(const Matrix& a, const Matrix& b)
 struct Color
 {
     float r = 1, g = 1, b = 1, a = 1;
+    bool operator==(const Color&) const = default;
 };
 
 enum class Primitive : uint8_t { kPoints, kLines, kTriangles };
@@ -54,6 +55,7 @@ struct State
     bool     transparent = false;       ///< blended; items with an alpha below 1 are treated so by themselves
     Color    wireColor{0.f, 0.f, 0.f, 1.f};
     uint32_t id = 0;                    ///< what picking reports; 0 cannot be picked
+    bool operator==(const State&) const = default;
 };
 
 /// Points, lines or triangles. Vertex arrays are flat: 3 floats a position or normal, 4 a colour.

@@ -8,6 +8,9 @@ namespace mirk::view {
 
 namespace {
 
+std::mutex openingMutex;
+Renderer*  opened = nullptr;
+
 /// The module lies beside the library that this code is part of.
 std::string modulePath()
 {
@@ -37,12 +40,16 @@ Renderer& openRenderer(const std::string& path)
 
 Renderer& renderer()
 {
-    static std::mutex mutex;
-    static Renderer*  opened = nullptr;
-    const std::lock_guard lock(mutex);
+    const std::lock_guard lock(openingMutex);
     if (!opened)
         opened = &openRenderer(modulePath());
     return *opened;
+}
+
+bool rendererIsOpen()
+{
+    const std::lock_guard lock(openingMutex);
+    return opened != nullptr;
 }
 
 }  // namespace mirk::view

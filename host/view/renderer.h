@@ -51,10 +51,16 @@ public:
     virtual Image readImage(const std::string& path) = 0;
     /// OpenGL version and device.
     virtual std::string description() = 0;
+
+    // Only inside a callback, where the context is current already:
+    virtual void setCurrentColor(const Color& color) = 0;
+    /// Lines in the current colour: x and y in pixels of the camera's picture, 4 floats a line, at a depth from -1 to 1.
+    virtual void drawPixelLines(const Camera& camera, const std::vector<float>& lines, float depth) = 0;
 };
 
 /// The renderer of the process, opened at the first call. A failed opening is tried again at the next.
 Renderer& renderer();
+bool      rendererIsOpen();
 
 /// Opens the module at a path. It stays open until the process ends.
 Renderer& openRenderer(const std::string& path);
