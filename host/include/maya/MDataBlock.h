@@ -1,0 +1,34 @@
+#pragma once
+#include <maya/MObject.h>
+#include <maya/MStatus.h>
+
+class MArrayDataHandle;
+class MDGContext;
+class MDataHandle;
+class MPlug;
+
+namespace mirk { class Node; struct HandleAccess; }
+
+/// The values of a node during compute.
+class MDataBlock
+{
+public:
+    MDataHandle      inputValue(const MObject& attribute, MStatus* ReturnStatus = nullptr);
+    MDataHandle      inputValue(const MPlug& plug, MStatus* ReturnStatus = nullptr);
+    MDataHandle      outputValue(const MObject& attribute, MStatus* ReturnStatus = nullptr);
+    MDataHandle      outputValue(const MPlug& plug, MStatus* ReturnStatus = nullptr);
+    MArrayDataHandle inputArrayValue(const MObject& attribute, MStatus* ReturnStatus = nullptr);
+    MArrayDataHandle inputArrayValue(const MPlug& plug, MStatus* ReturnStatus = nullptr);
+    MArrayDataHandle outputArrayValue(const MObject& attribute, MStatus* ReturnStatus = nullptr);
+    MArrayDataHandle outputArrayValue(const MPlug& plug, MStatus* ReturnStatus = nullptr);
+    MStatus          setClean(const MObject& attribute);
+    MStatus          setClean(const MPlug& plug);
+    bool             isClean(const MObject& attribute, MStatus* ReturnStatus = nullptr);
+    bool             isClean(const MPlug& plug, MStatus* ReturnStatus = nullptr);
+    MDGContext       context(MStatus* ReturnStatus = nullptr) const;
+
+private:
+    friend struct mirk::HandleAccess;
+    friend class MPlug;
+    mirk::Node* node_ = nullptr;
+};

@@ -1,0 +1,86 @@
+#pragma once
+#include <maya/MFn.h>
+#include <maya/MObject.h>
+#include <maya/MStatus.h>
+#include <maya/MString.h>
+#include <maya/MTypeId.h>
+
+class MDataBlock;
+class MDataHandle;
+class MDGContext;
+class MEvaluationNode;
+class MPlug;
+class MPlugArray;
+
+namespace mirk { class Node; struct UserNodeAccess; }
+
+/// Base of user-defined dependency nodes.
+class MPxNode
+{
+public:
+    enum Type {
+        kDependNode, kLocatorNode, kDeformerNode, kManipContainer, kSurfaceShape, kFieldNode, kEmitterNode,
+        kSpringNode, kIkSolverNode, kHardwareShader, kHwShaderNode, kTransformNode, kObjectSet, kFluidEmitterNode,
+        kImagePlaneNode, kParticleAttributeMapperNode, kCameraSetNode, kConstraintNode, kManipulatorNode,
+        kMotionPathNode, kClientDeviceNode, kThreadedDeviceNode, kAssembly, kSkinCluster, kGeometryFilter,
+        kBlendShape, kLast
+    };
+    enum SchedulingType {
+        kParallel, kSerial, kGloballySerial, kUntrusted, kDefaultScheduling = kSerial
+    };
+    enum PostEvaluationEnum { kEvaluatedIndirectly, kEvaluatedDirectly, kLeaveDirty };
+    using PostEvaluationType = PostEvaluationEnum;
+
+    MPxNode();
+    virtual ~MPxNode();
+
+    virtual void           postConstructor();
+    virtual MStatus        compute(const MPlug& plug, MDataBlock& dataBlock);
+    virtual MStatus        setDependentsDirty(const MPlug& plug, MPlugArray& plugArray);
+    virtual MStatus        preEvaluation(const MDGContext& context, const MEvaluationNode& evaluationNode);
+    virtual MStatus        postEvaluation(const MDGContext& context, const MEvaluationNode& evaluationNode,
+                                          PostEvaluationType evalType);
+    virtual SchedulingType schedulingType() const;
+    virtual MStatus        connectionMade(const MPlug& plug, const MPlug& otherPlug, bool asSrc);
+    virtual MStatus        connectionBroken(const MPlug& plug, const MPlug& otherPlug, bool asSrc);
+    virtual MStatus        legalConnection(const MPlug& plug, const MPlug& otherPlug, bool asSrc, bool& isLegal) const;
+    virtual MStatus        legalDisconnection(const MPlug& plug, const MPlug& otherPlug, bool asSrc, bool& isLegal) const;
+    virtual MStatus        dependsOn(const MPlug& plug, const MPlug& otherPlug, bool& depends) const;
+    virtual bool           getInternalValue(const MPlug& plug, MDataHandle& dataHandle);
+    virtual bool           setInternalValue(const MPlug& plug, const MDataHandle& dataHandle);
+    virtual void           copyInternalData(MPxNode* node);
+    virtual MPlug          passThroughToOne(const MPlug& plug) const;
+    virtual bool           passThroughToMany(const MPlug& plug, MPlugArray& plugArray) const;
+    virtual bool           isPassiveOutput(const MPlug& plug) const;
+    virtual Type           type() const;
+    virtual bool           isAbstractClass() const;
+
+    MObject thisMObject() const;
+    virtual MString name() const;
+    MTypeId typeId() const;
+    MString typeName() const;
+    void    setMPSafe(bool flag);
+    void    setExistWithoutInConnections(bool flag);
+    bool    existWithoutInConnections(MStatus* ReturnStatus = nullptr) const;
+    void    setExistWithoutOutConnections(bool flag);
+    bool    existWithoutOutConnections(MStatus* ReturnStatus = nullptr) const;
+
+    static MStatus addAttribute(const MObject& attr);
+    static MStatus inheritAttributesFrom(const MString& parentClassName);
+    static MStatus attributeAffects(const MObject& whenChanges, const MObject& isAffected);
+    static MStatus attributeAffects(const MObject& whenChanges, const MObject& isAffected, bool affectsTopology);
+
+    static MObject message;
+    static MObject caching;
+    static MObject state;
+    static MObject frozen;
+    static MObject isHistoricallyInteresting;
+
+protected:
+    MDataBlock forceCache();
+
+private:
+    friend struct mirk::UserNodeAccess;
+    mirk::Node* node_ = nullptr;
+    bool        mpSafe_ = false, aloneIn_ = true, aloneOut_ = true;
+};

@@ -1,0 +1,217 @@
+#include "mesh/mesh.h"
+
+#include "mesh/space.h"
+
+namespace mirk {
+
+Ref<Object> (*createMeshShape)(Ref<MeshData>, const MObject&) = nullptr;
+
+MeshBody::MeshBody()
+    : points_(make<Buffer<float>>()), topology_(make<Topology>()), uvSets_(make<UVSets>()),
+      colorSets_(make<ColorSets>()), surface_(make<Surface>()), shading_(make<Shading>()),
+      tangents_(make<TangentCache>())
+{
+}
+
+MeshBody::TangentCache::~TangentCache()
+{
+    for (Entry* e = head.load(std::memory_order_acquire); e;)
+        delete std::exchange(e, e->next);
+}
+
+bool MeshBody::reset(Ref<Buffer<float>> points, Ref<Topology> topology)
+{
+    if (!points || !topology || points->size() != size_t(topology->vertexCount()) * 3)
+        return false;
+    dropSurface();
+    points_ = std::move(points);
+    topology_ = std::move(topology);
+    uvSets_ = make<UVSets>();
+    colorSets_ = make<ColorSets>();
+    hard_ = nullptr;
+    locked_ = nullptr;
+    return true;
+}
+
+void MeshBody::assign(const MeshBody& o, bool withGroups)
+{
+    points_ = o.points_;
+    topology_ = o.topology_;
+    uvSets_ = o.uvSets_;
+    colorSets_ = o.colorSets_;
+    hard_ = o.hard_;
+    locked_ = o.locked_;
+    surface_ = o.surface_;
+    shading_ = o.shading_;
+    tangents_ = o.tangents_;
+    if (withGroups && &o != this) {
+        groups = o.groups;
+        identity = o.identity;
+        std::memcpy(matrix, o.matrix, sizeof matrix);
+    }
+}
+
+bool MeshBody::replacePoints(Ref<Buffer<float>> points)
+{
+    if (!points || points->size() != points_->size())
+        return false;
+    dropSurface();
+    points_ = std::move(points);
+    return true;
+}
+
+bool MeshBody::bakeMatrix()
+{
+    if (identity)
+        return true;
+    const SpaceMatrix space(matrix);
+    if (!space.invertible())
+        return false;
+    float* p = writePoints();
+    for (int i = 0; i < vertexCount(); ++i, p += 3)
+        space.pointOut(p, p);
+    if (locked_) {
+        LockedNormals& l = detach(locked_);
+        for (F3& n : l.vertex)
+            n = space.normalOut(n);
+        for (F3& n : l.corner)
+            n = space.normalOut(n);
+    }
+    identity = true;
+    for (int i = 0; i < 4; ++i)
+        for (int j = 0; j < 4; ++j)
+            matrix[i][j] = i == j;
+    return true;
+}
+
+void MeshBody::bounds(float box[6]) const
+{
+    std::fill(box, box + 6, 0.0f);
+    const float* p = points();
+    for (int i = 0; i < vertexCount(); ++i, p += 3)
+        for (int k = 0; k < 3; ++k) {
+            box[k] = i ? std::min(box[k], p[k]) : p[k];
+            box[k + 3] = i ? std::max(box[k + 3], p[k]) : p[k];
+        }
+}
+
+void MeshBody::setEdgeSmooth(int edge, bool smooth)
+{
+    if (edgeSmooth(edge) == smooth)
+        return;
+    dropShading();
+    if (!hard_)
+        hard_ = make<Buffer<uint8_t>>(size_t(edgeCount()), uint8_t(0));
+    detach(hard_)[edge] = !smooth;
+}
+
+void MeshBody::setAllEdges(bool smooth)
+{
+    dropShading();
+    hard_ = smooth ? Ref<Buffer<uint8_t>>() : make<Buffer<uint8_t>>(size_t(edgeCount()), uint8_t(1));
+}
+
+bool MeshBody::normalLocked(int corner) const
+{
+    if (!locked_)
+        return false;
+    return (!locked_->cornerLocked.empty() && locked_->cornerLocked[corner])
+           || (!locked_->vertexLocked.empty() && locked_->vertexLocked[topology_->connects()[corner]]);
+}
+
+namespace {
+
+void makeRoom(Buffer<F3>& normals, Buffer<uint8_t>& flags, size_t n)
+{
+    if (flags.size() == n)
+        return;
+    normals.resize(n);
+    flags.resize(n);
+    std::fill(normals.begin(), normals.end(), F3{});
+    std::fill(flags.begin(), flags.end(), uint8_t(0));
+}
+
+}  // namespace
+
+void MeshBody::lockVertexNormals(const F3* normals, const int* vertices, size_t count)
+{
+    if (!count)
+        return;
+    dropShading();
+    LockedNormals& l = detach(locked_);
+    makeRoom(l.vertex, l.vertexLocked, size_t(vertexCount()));
+    for (size_t i = 0; i < count; ++i) {
+        l.vertex[vertices[i]] = normals[i];
+        l.vertexLocked[vertices[i]] = 1;
+        if (!l.cornerLocked.empty())
+            for (int c : topology_->vertexCorners()[vertices[i]])
+                l.cornerLocked[c] = 0;
+    }
+}
+
+void MeshBody::lockCornerNormals(const F3* normals, const int* corners, size_t count)
+{
+    if (!count)
+        return;
+    dropShading();
+    LockedNormals& l = detach(locked_);
+    makeRoom(l.corner, l.cornerLocked, size_t(cornerCount()));
+    for (size_t i = 0; i < count; ++i) {
+        l.corner[corners[i]] = normals[i];
+        l.cornerLocked[corners[i]] = 1;
+    }
+}
+
+void MeshBody::unlockVertices(const int* vertices, size_t count)
+{
+    if (!locked_)
+        return;
+    dropShading();
+    LockedNormals& l = detach(locked_);
+    for (size_t i = 0; i < count; ++i) {
+        if (!l.vertexLocked.empty())
+            l.vertexLocked[vertices[i]] = 0;
+        if (!l.cornerLocked.empty())
+            for (int c : topology_->vertexCorners()[vertices[i]])
+                l.cornerLocked[c] = 0;
+    }
+}
+
+void MeshBody::unlockCorners(const int* corners, size_t count)
+{
+    if (!locked_ || !count)
+        return;
+    // a vertex's own normal is handed to its other corners first
+    const CornerNormals now = cornerNormals();
+    dropShading();
+    LockedNormals& l = detach(locked_);
+    makeRoom(l.corner, l.cornerLocked, size_t(cornerCount()));
+    for (size_t i = 0; i < count && !l.vertexLocked.empty(); ++i) {
+        const int v = topology_->connects()[corners[i]];
+        if (!l.vertexLocked[v])
+            continue;
+        l.vertexLocked[v] = 0;
+        for (int c : topology_->vertexCorners()[v]) {
+            l.corner[c] = now.at(c);
+            l.cornerLocked[c] = 1;
+        }
+    }
+    for (size_t i = 0; i < count; ++i)
+        l.cornerLocked[corners[i]] = 0;
+}
+
+Ref<Data> MeshData::share() const
+{
+    auto shell = make<MeshData>(make<MeshBody>(*body));
+    shell->transformed = transformed;
+    return shell;
+}
+
+Ref<GeometryData> MeshData::transformedView() const
+{
+    auto shell = make<MeshData>(body);
+    shell->transformed = true;
+    return shell;
+}
+
+}  // namespace mirk

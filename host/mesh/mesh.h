@@ -1,0 +1,272 @@
+// Meshes: a body of shared copy-on-write parts, the data object that shows it, and what shapes with a mesh offer.
+//
+// Points, topology, UVs, colours, edge smoothness and locked normals are parts of their own. Copying a body copies
+// references; a writer gets its own copy of the one part it writes. What follows from the parts (normals, tangents,
+// triangles) is built when first asked for, is shared by all bodies that share the parts, and is dropped by writers.
+#pragma once
+#include <atomic>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include <maya/MColor.h>
+
+#include "data/data.h"
+#include "mesh/lazy.h"
+#include "mesh/topology.h"
+
+class MObject;
+
+namespace mirk {
+
+struct F2 { float u, v; };
+
+/// Normals of the corners: a table of distinct normals and one index into it a corner.
+struct CornerNormals : Counted<CornerNormals>
+{
+    Buffer<F3>  table;
+    Buffer<int> ids;
+    const F3& at(int corner) const { return table[ids[corner]]; }
+};
+
+/// Unit tangents and binormals of the corners; zero where the UVs are missing or degenerate.
+struct Tangents : Counted<Tangents>
+{
+    Buffer<F3> tangents, binormals;
+};
+
+struct UVSet
+{
+    struct Tables : Counted<Tables> { Lazy<Lists> ofVertex; };
+
+    std::string      name;
+    Ref<Buffer<F2>>  uvs = make<Buffer<F2>>();
+    Ref<Buffer<int>> ids;                   ///< one a corner, -1 unassigned; null while nothing is assigned
+    Ref<Tables>      derived = make<Tables>();
+
+    int id(int corner) const { return ids ? (*ids)[corner] : -1; }
+    /// The distinct UVs of each vertex, in the order of its corners.
+    const Lists& ofVertex(const Topology& topology) const;
+};
+
+struct UVSets : Counted<UVSets>
+{
+    UVSets() : sets(1) { sets[0].name = "map1"; }
+    std::vector<UVSet> sets;      ///< never empty
+    int current = 0;
+};
+
+/// A colour of -1 in all channels means unset.
+inline const MColor unsetColor{-1, -1, -1, -1};
+inline bool isUnset(const MColor& c) { return c.r == -1 && c.g == -1 && c.b == -1 && c.a == -1; }
+
+struct ColorSet
+{
+    /// What the table's entries belong to: vertices, corners, or whatever corner's id names them.
+    enum Layout { kPerVertex, kPerCorner, kIndexed };
+    struct Tables : Counted<Tables> { Lazy<Buffer<MColor>> ofVertex; };
+
+    std::string         name;
+    int                 representation = 4;   ///< MFnMesh::MColorRepresentation
+    bool                clamped = false;
+    Layout              layout = kIndexed;
+    Ref<Buffer<MColor>> table = make<Buffer<MColor>>();
+    Ref<Buffer<int>>    ids;                  ///< kIndexed: one a corner, -1 unassigned; null while nothing is assigned
+    Ref<Tables>         derived = make<Tables>();
+
+    /// Index into the table; -1 for a corner without colour.
+    int id(const Topology& t, int corner) const
+    {
+        const int i = layout == kPerVertex ? t.connects()[corner] : layout == kPerCorner ? corner
+                      : ids ? (*ids)[corner] : -1;
+        return i >= 0 && !isUnset((*table)[i]) ? i : -1;
+    }
+    const MColor& ofCorner(const Topology& t, int corner) const
+    {
+        const int i = id(t, corner);
+        return i < 0 ? unsetColor : (*table)[i];
+    }
+    /// Of each vertex the mean of its corners' colours that are set.
+    const Buffer<MColor>& ofVertices(const Topology& topology) const;
+};
+
+struct ColorSets : Counted<ColorSets>
+{
+    std::vector<ColorSet> sets;
+    int current = -1;
+};
+
+/// Normals set by hand, which points do not change. Buffers are empty or have one entry a vertex or corner.
+struct LockedNormals : Counted<LockedNormals>
+{
+    Buffer<F3>      vertex, corner;              ///< a corner's normal wins over its vertex's
+    Buffer<uint8_t> vertexLocked, cornerLocked;
+};
+
+class MeshBody : public GeometryBody
+{
+public:
+    MeshBody();
+    /// Shares all parts.
+    MeshBody(const MeshBody&) = default;
+
+    int vertexCount() const { return topology_->vertexCount(); }
+    int faceCount() const { return topology_->faceCount(); }
+    int cornerCount() const { return topology_->cornerCount(); }
+    int edgeCount() const { return topology_->edgeCount(); }
+
+    const Topology& topology() const { return *topology_; }
+    const float*    points() const { return points_->data(); }   ///< x, y, z of each vertex
+    const Ref<Buffer<float>>& pointBuffer() const { return points_; }
+    const Ref<Topology>&      topologyPart() const { return topology_; }
+
+    /// Becomes a mesh of these points (three floats a vertex of `topology`) and faces, with no UVs, colours, locked
+    /// normals or hard edges. Groups and matrix stay. False, and nothing changes, if the sizes do not fit.
+    bool reset(Ref<Buffer<float>> points, Ref<Topology> topology);
+    /// Takes over all parts of another mesh, and its groups and matrix if `withGroups`.
+    void assign(const MeshBody& other, bool withGroups);
+    /// The points for writing. Valid until the body is shared, asked again or reset.
+    float* writePoints()
+    {
+        dropSurface();
+        return detach(points_).data();
+    }
+    /// Other points, as many as there are; they may be shared with others.
+    bool replacePoints(Ref<Buffer<float>> points);
+    /// Points and locked normals go through the body's matrix, which becomes the identity. False if it is singular.
+    bool bakeMatrix();
+
+    // what follows from points and faces; unit length, zero where degenerate
+    const Buffer<F3>&  faceNormals() const;
+    const Buffer<int>& triangles() const;                        ///< three corners each, see triangulate()
+    /// Mean of the normals of a vertex's faces, plain or weighted by their angles; of a locked vertex its own.
+    const Buffer<F3>&  vertexNormals(bool angleWeighted) const;
+    /// Smooth across smooth edges (weighted by angle), split at hard ones; locked ones as they are.
+    const CornerNormals& cornerNormals() const;
+    /// For a UV set that exists.
+    const Tangents&    tangents(int uvSet) const;
+    /// Box of all points as min xyz, max xyz; all zero for an empty mesh.
+    void bounds(float box[6]) const;
+
+    // edges; smooth unless set hard
+    bool edgeSmooth(int edge) const { return !hard_ || !(*hard_)[edge]; }
+    bool anyHard() const { return bool(hard_); }
+    void setEdgeSmooth(int edge, bool smooth);
+    void setAllEdges(bool smooth);
+    const Ref<Buffer<uint8_t>>& hardEdges() const { return hard_; }   ///< one flag an edge; null if all are smooth
+
+    // locked normals, in object space
+    const LockedNormals* locked() const { return locked_.get(); }
+    bool normalLocked(int corner) const;
+    void lockVertexNormals(const F3* normals, const int* vertices, size_t count);   ///< vertices exist
+    void lockCornerNormals(const F3* normals, const int* corners, size_t count);    ///< corners exist
+    void unlockVertices(const int* vertices, size_t count);
+    void unlockCorners(const int* corners, size_t count);
+
+    // UV sets
+    const UVSets& uvSets() const { return *uvSets_; }
+    int    findUVSet(const std::string& name) const;      ///< -1 if there is none
+    UVSet& writeUVSet(int set);                           ///< the entry, whose buffers are still to be detached
+    UVSets& writeUVSets();                                ///< for adding, removing, renaming
+    /// One id a corner, -1 for none; ids outside the table are refused. Null `ids` takes all assignments away.
+    bool   assignUVs(int set, Ref<Buffer<int>> ids);
+
+    // colour sets
+    const ColorSets& colorSets() const { return *colorSets_; }
+    int       findColorSet(const std::string& name) const;
+    ColorSet& writeColorSet(int set);
+    ColorSets& writeColorSets() { return detach(colorSets_); }
+    /// A new set, current if it is the first. The name gets a number if it is taken; empty asks for "colorSet1".
+    int       addColorSet(std::string name);
+    /// Whose corners at these vertices, faces or corners get the colours; all indices exist.
+    void setVertexColors(int set, const MColor* colors, const int* vertices, size_t count);
+    void setFaceColors(int set, const MColor* colors, const int* faces, size_t count);
+    void setCornerColors(int set, const MColor* colors, const int* corners, size_t count);
+    /// The table, as long as the present one or longer; false if it is shorter.
+    bool setColorTable(int set, Ref<Buffer<MColor>> table);
+    bool assignColors(int set, Ref<Buffer<int>> ids);
+
+private:
+    struct Surface : Counted<Surface>
+    {
+        Lazy<Buffer<F3>>  faceNormals, vertexNormals, vertexNormalsWeighted;
+        Lazy<Buffer<int>> triangles;
+        bool built() const
+        {
+            return faceNormals.built() || triangles.built() || vertexNormals.built() || vertexNormalsWeighted.built();
+        }
+    };
+    struct Shading : Counted<Shading>
+    {
+        Lazy<CornerNormals> corners;
+        Lazy<Buffer<F3>>    vertices, verticesWeighted;   // with locked ones
+        bool built() const { return corners.built() || vertices.built() || verticesWeighted.built(); }
+    };
+    struct TangentCache : Counted<TangentCache>
+    {
+        struct Entry { std::string set; Ref<Tangents> value; Entry* next; };
+        ~TangentCache();
+        bool built() const { return head.load(std::memory_order_acquire) != nullptr; }
+        std::atomic<Entry*> head{nullptr};
+        std::mutex          mutex;
+    };
+
+    template <class T>
+    static void drop(Ref<T>& derived)
+    {
+        if (!derived->unique() || derived->built())
+            derived = make<T>();
+    }
+    void dropSurface() { drop(surface_); dropShading(); }
+    void dropShading() { drop(shading_); dropTangents(); }
+    void dropTangents() { drop(tangents_); }
+    Ref<CornerNormals> buildCornerNormals() const;
+    Ref<Buffer<F3>>    vertexNormalsWithLocks(bool angleWeighted) const;
+    Ref<Tangents>      buildTangents(const UVSet& set) const;
+    void toCornerColors(ColorSet& set);
+
+    Ref<Buffer<float>>   points_;
+    Ref<Topology>        topology_;
+    Ref<UVSets>          uvSets_;
+    Ref<ColorSets>       colorSets_;
+    Ref<Buffer<uint8_t>> hard_;
+    Ref<LockedNormals>   locked_;
+    // all bodies that share one of these share all parts that it follows from
+    mutable Ref<Surface>      surface_;
+    mutable Ref<Shading>      shading_;
+    mutable Ref<TangentCache> tangents_;
+};
+
+class MeshData : public GeometryData
+{
+public:
+    MeshData() : body(make<MeshBody>()) {}
+    explicit MeshData(Ref<MeshBody> b) : body(b ? std::move(b) : make<MeshBody>()) {}
+    MFnData::Type type() const override { return MFnData::kMesh; }
+    MFn::Type     apiType() const override { return MFn::kMeshData; }
+    bool          hasFn(MFn::Type t) const override { return t == MFn::kMesh || GeometryData::hasFn(t); }
+    Ref<Data>     share() const override;
+    GeometryBody& geometry() const override { return *body; }
+    Ref<GeometryData> transformedView() const override;
+
+    Ref<MeshBody> body;   ///< never null
+};
+
+/// What a shape node with a mesh offers to function sets and iterators.
+struct MeshSource
+{
+    /// The mesh as it is to be read: up to date, in object space. Null if it cannot be had.
+    virtual Ref<MeshData> meshForRead() = 0;
+    /// The mesh for changes, which go to the shape; call meshChanged() after them.
+    virtual Ref<MeshData> meshForWrite() = 0;
+    virtual void          meshChanged() = 0;
+
+protected:
+    ~MeshSource() = default;
+};
+
+/// Makes a mesh shape (below `parent`, or below a new transform if that is null) and gives what MFnMesh::create
+/// returns: the new transform, or the shape if there was a parent. Set by the DAG; null where there is none.
+extern Ref<Object> (*createMeshShape)(Ref<MeshData> mesh, const MObject& parent);
+
+}  // namespace mirk

@@ -1,0 +1,184 @@
+#include "mesh/topology.h"
+
+#include <climits>
+
+namespace mirk {
+
+namespace {
+
+/// Lists of item numbers by key: a counting sort, so that each list is ascending. Keys outside [0, n) do not occur.
+template <class Key>
+Ref<Lists> listsByKey(int n, size_t itemCount, int keysPerItem, Key key)
+{
+    auto lists = make<Lists>();
+    lists->first.resize(size_t(n) + 1);
+    int* first = lists->first.data();
+    std::fill(first, first + n + 1, 0);
+    for (size_t i = 0; i < itemCount; ++i)
+        for (int k = 0; k < keysPerItem; ++k)
+            ++first[key(i, k) + 1];
+    for (int i = 0; i < n; ++i)
+        first[i + 1] += first[i];
+    lists->items.resize(itemCount * size_t(keysPerItem));
+    Buffer<int> cursor(lists->first.data(), size_t(n));
+    for (size_t i = 0; i < itemCount; ++i)
+        for (int k = 0; k < keysPerItem; ++k)
+            lists->items[size_t(cursor[key(i, k)]++)] = int(i);
+    return lists;
+}
+
+/// Edge numbers by their two vertices: open addressing, at most half full.
+class EdgeHash
+{
+public:
+    explicit EdgeHash(size_t most)
+    {
+        size_t size = 16;
+        while (size < most * 2)
+            size *= 2;
+        slots_.resize(size);
+        std::fill(slots_.begin(), slots_.end(), -1);
+        mask_ = size - 1;
+    }
+    /// The slot of edge (a, b): holds its number, or -1 for the caller to fill.
+    int& slot(const Buffer<EdgeTable::Edge>& edges, int a, int b)
+    {
+        const uint64_t key = uint64_t(uint32_t(std::min(a, b))) << 32 | uint32_t(std::max(a, b));
+        size_t i = size_t((key * 0x9e3779b97f4a7c15ull) >> 20) & mask_;
+        for (;; i = (i + 1) & mask_) {
+            const int e = slots_[i];
+            if (e < 0 || (edges[e].a == a && edges[e].b == b) || (edges[e].a == b && edges[e].b == a))
+                return slots_[i];
+        }
+    }
+
+private:
+    Buffer<int> slots_;
+    size_t      mask_;
+};
+
+Ref<EdgeTable> buildEdges(const Topology& t)
+{
+    auto table = make<EdgeTable>();
+    table->ofCorner.resize(size_t(t.cornerCount()));
+    EdgeHash hash{size_t(t.cornerCount())};
+    for (int f = 0; f < t.faceCount(); ++f)
+        for (int c = t.first(f); c < t.first(f + 1); ++c) {
+            const int a = t.connects()[c], b = t.connects()[t.next(c, f)];
+            int& slot = hash.slot(table->edges, a, b);
+            if (slot < 0) {
+                slot = table->count();
+                table->edges.push({a, b});
+            }
+            table->ofCorner[c] = slot;
+        }
+    return table;
+}
+
+bool refuse(std::string* why, std::string reason)
+{
+    if (why)
+        *why = std::move(reason);
+    return false;
+}
+
+bool check(int vertexCount, const int* counts, size_t faceCount, const int* connects, size_t cornerCount,
+           std::string* why)
+{
+    if (vertexCount < 0 || faceCount > INT_MAX - 1 || cornerCount > INT_MAX - 1)
+        return refuse(why, "counts out of range");
+    size_t total = 0;
+    for (size_t f = 0; f < faceCount; ++f) {
+        if (counts[f] < 3)
+            return refuse(why, "face " + std::to_string(f) + " has " + std::to_string(counts[f]) + " vertices");
+        total += size_t(counts[f]);
+    }
+    if (total != cornerCount)
+        return refuse(why, "the faces have " + std::to_string(total) + " vertices, but " + std::to_string(cornerCount)
+                               + " are given");
+    for (size_t f = 0, c = 0; f < faceCount; ++f)
+        for (const size_t end = c + size_t(counts[f]); c < end; ++c)
+            if (connects[c] < 0 || connects[c] >= vertexCount)
+                return refuse(why, "face " + std::to_string(f) + " names vertex " + std::to_string(connects[c]) + " of "
+                                       + std::to_string(vertexCount));
+    return true;
+}
+
+}  // namespace
+
+Topology::Topology() : offsets_(1, 0) {}
+
+Ref<Topology> Topology::create(int vertexCount, const int* counts, size_t faceCount, const int* connects,
+                               size_t cornerCount, std::string* why)
+{
+    if (!check(vertexCount, counts, faceCount, connects, cornerCount, why))
+        return {};
+    auto t = make<Topology>();
+    t->vertexCount_ = vertexCount;
+    t->offsets_.resize(faceCount + 1);
+    for (size_t f = 0; f < faceCount; ++f)
+        t->offsets_[f + 1] = t->offsets_[f] + counts[f];
+    t->connects_.resize(cornerCount);
+    std::copy(connects, connects + cornerCount, t->connects_.data());
+    return t;
+}
+
+int Topology::cornerAt(int face, int vertex) const
+{
+    for (int c = first(face); c < first(face + 1); ++c)
+        if (connects_[c] == vertex)
+            return c;
+    return -1;
+}
+
+const EdgeTable& Topology::edges() const
+{
+    return edges_.get([this] { return buildEdges(*this); });
+}
+
+const Buffer<int>& Topology::cornerFaces() const
+{
+    return cornerFaces_.get([this] {
+        auto faces = make<Buffer<int>>(connects_.size());
+        for (int f = 0; f < faceCount(); ++f)
+            std::fill(faces->data() + first(f), faces->data() + first(f + 1), f);
+        return faces;
+    });
+}
+
+const Lists& Topology::vertexCorners() const
+{
+    return vertexCorners_.get([this] {
+        return listsByKey(vertexCount_, connects_.size(), 1, [this](size_t c, int) { return connects_[c]; });
+    });
+}
+
+const Lists& Topology::vertexEdges() const
+{
+    return vertexEdges_.get([this] {
+        const auto& e = edges().edges;
+        return listsByKey(vertexCount_, e.size(), 2, [&e](size_t i, int k) { return k ? e[i].b : e[i].a; });
+    });
+}
+
+const Lists& Topology::edgeCorners() const
+{
+    return edgeCorners_.get([this] {
+        const EdgeTable& e = edges();
+        return listsByKey(e.count(), e.ofCorner.size(), 1, [&e](size_t c, int) { return e.ofCorner[c]; });
+    });
+}
+
+int Topology::edgeBetween(int a, int b) const
+{
+    if (a < 0 || a >= vertexCount_)
+        return -1;
+    const EdgeTable& table = edges();
+    for (int e : vertexEdges()[a])
+        if (table.edges[e].a == b || table.edges[e].b == b)
+            if (table.edges[e].a != table.edges[e].b || a == b)
+                return e;
+    return -1;
+}
+
+}  // namespace mirk

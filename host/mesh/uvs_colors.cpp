@@ -1,0 +1,208 @@
+// UV sets and colour sets of meshes.
+#include "mesh/mesh.h"
+
+namespace mirk {
+
+namespace {
+
+template <class Sets>
+int findNamed(const Sets& sets, const std::string& name)
+{
+    for (size_t i = 0; i < sets.size(); ++i)
+        if (sets[i].name == name)
+            return int(i);
+    return -1;
+}
+
+bool idsFit(const Buffer<int>& ids, size_t corners, size_t table)
+{
+    if (ids.size() != corners)
+        return false;
+    for (int id : ids)
+        if (id < -1 || (id >= 0 && size_t(id) >= table))
+            return false;
+    return true;
+}
+
+bool coversAll(const int* ids, size_t count, int n)
+{
+    for (size_t i = 0; i < count; ++i)
+        if (ids[i] != int(i))
+            return false;
+    return count == size_t(n);
+}
+
+}  // namespace
+
+const Lists& UVSet::ofVertex(const Topology& t) const
+{
+    return derived->ofVertex.get([&] {
+        auto lists = make<Lists>();
+        lists->first.resize(size_t(t.vertexCount()) + 1);
+        lists->first[0] = 0;
+        for (int v = 0; v < t.vertexCount(); ++v) {
+            const size_t begin = lists->items.size();
+            if (ids)
+                for (int c : t.vertexCorners()[v]) {
+                    const int id = (*ids)[c];
+                    if (id >= 0 && std::find(lists->items.begin() + begin, lists->items.end(), id) == lists->items.end())
+                        lists->items.push(id);
+                }
+            lists->first[size_t(v) + 1] = int(lists->items.size());
+        }
+        return lists;
+    });
+}
+
+int MeshBody::findUVSet(const std::string& name) const { return findNamed(uvSets_->sets, name); }
+
+UVSets& MeshBody::writeUVSets()
+{
+    dropTangents();
+    return detach(uvSets_);
+}
+
+UVSet& MeshBody::writeUVSet(int set)
+{
+    UVSet& s = writeUVSets().sets[size_t(set)];
+    if (!s.derived->unique() || s.derived->ofVertex.built())
+        s.derived = make<UVSet::Tables>();
+    return s;
+}
+
+bool MeshBody::assignUVs(int set, Ref<Buffer<int>> ids)
+{
+    if (ids && !idsFit(*ids, size_t(cornerCount()), uvSets_->sets[size_t(set)].uvs->size()))
+        return false;
+    writeUVSet(set).ids = std::move(ids);
+    return true;
+}
+
+const Buffer<MColor>& ColorSet::ofVertices(const Topology& t) const
+{
+    if (layout == kPerVertex)
+        return *table;
+    return derived->ofVertex.get([&] {
+        const size_t n = size_t(t.vertexCount());
+        auto means = make<Buffer<MColor>>(n, MColor(0, 0, 0, 0));
+        Buffer<int> counts(n, 0);
+        for (int c = 0; c < t.cornerCount(); ++c)
+            if (const int i = id(t, c); i >= 0) {
+                const int v = t.connects()[c];
+                (*means)[v] += (*table)[i];
+                ++counts[v];
+            }
+        for (size_t v = 0; v < n; ++v)
+            (*means)[v] = counts[v] ? (*means)[v] / float(counts[v]) : unsetColor;
+        return means;
+    });
+}
+
+int MeshBody::findColorSet(const std::string& name) const { return findNamed(colorSets_->sets, name); }
+
+ColorSet& MeshBody::writeColorSet(int set)
+{
+    ColorSet& s = detach(colorSets_).sets[size_t(set)];
+    if (!s.derived->unique() || s.derived->ofVertex.built())
+        s.derived = make<ColorSet::Tables>();
+    return s;
+}
+
+int MeshBody::addColorSet(std::string name)
+{
+    if (name.empty())
+        name = "colorSet1";
+    std::string unique = name;
+    if (findColorSet(unique) >= 0) {
+        while (!name.empty() && name.back() >= '0' && name.back() <= '9')
+            name.pop_back();
+        for (int i = 1; findColorSet(unique = name + std::to_string(i)) >= 0;)
+            ++i;
+    }
+    ColorSets& all = writeColorSets();
+    all.sets.emplace_back().name = std::move(unique);
+    if (all.current < 0)
+        all.current = int(all.sets.size()) - 1;
+    return int(all.sets.size()) - 1;
+}
+
+void MeshBody::setVertexColors(int set, const MColor* colors, const int* vertices, size_t count)
+{
+    ColorSet& s = writeColorSet(set);
+    const bool unassigned = s.layout == ColorSet::kIndexed && !s.ids;
+    if (s.layout != ColorSet::kPerVertex && (unassigned || coversAll(vertices, count, vertexCount()))) {
+        s.layout = ColorSet::kPerVertex;
+        s.ids = nullptr;
+        s.table = make<Buffer<MColor>>(size_t(vertexCount()), unsetColor);
+    }
+    if (s.layout == ColorSet::kPerVertex) {
+        Buffer<MColor>& table = detach(s.table);
+        for (size_t i = 0; i < count; ++i)
+            table[vertices[i]] = colors[i];
+        return;
+    }
+    toCornerColors(s);
+    Buffer<MColor>& table = detach(s.table);
+    const Lists& corners = topology_->vertexCorners();
+    for (size_t i = 0; i < count; ++i)
+        for (int c : corners[vertices[i]])
+            table[c] = colors[i];
+}
+
+void MeshBody::setFaceColors(int set, const MColor* colors, const int* faces, size_t count)
+{
+    ColorSet& s = writeColorSet(set);
+    toCornerColors(s);
+    Buffer<MColor>& table = detach(s.table);
+    for (size_t i = 0; i < count; ++i)
+        std::fill(table.data() + topology_->first(faces[i]), table.data() + topology_->first(faces[i] + 1), colors[i]);
+}
+
+void MeshBody::setCornerColors(int set, const MColor* colors, const int* corners, size_t count)
+{
+    ColorSet& s = writeColorSet(set);
+    toCornerColors(s);
+    Buffer<MColor>& table = detach(s.table);
+    for (size_t i = 0; i < count; ++i)
+        table[corners[i]] = colors[i];
+}
+
+void MeshBody::toCornerColors(ColorSet& s)
+{
+    if (s.layout == ColorSet::kPerCorner)
+        return;
+    auto table = make<Buffer<MColor>>(size_t(cornerCount()));
+    for (int c = 0; c < cornerCount(); ++c)
+        (*table)[c] = s.ofCorner(*topology_, c);
+    s.table = std::move(table);
+    s.ids = nullptr;
+    s.layout = ColorSet::kPerCorner;
+}
+
+bool MeshBody::setColorTable(int set, Ref<Buffer<MColor>> table)
+{
+    if (!table || table->size() < colorSets_->sets[size_t(set)].table->size())
+        return false;
+    ColorSet& s = writeColorSet(set);
+    if (s.layout != ColorSet::kIndexed) {   // the entries keep their corners
+        auto ids = make<Buffer<int>>(size_t(cornerCount()));
+        for (int c = 0; c < cornerCount(); ++c)
+            (*ids)[c] = s.layout == ColorSet::kPerVertex ? topology_->connects()[c] : c;
+        s.ids = std::move(ids);
+        s.layout = ColorSet::kIndexed;
+    }
+    s.table = std::move(table);
+    return true;
+}
+
+bool MeshBody::assignColors(int set, Ref<Buffer<int>> ids)
+{
+    if (ids && !idsFit(*ids, size_t(cornerCount()), colorSets_->sets[size_t(set)].table->size()))
+        return false;
+    ColorSet& s = writeColorSet(set);
+    s.layout = ColorSet::kIndexed;
+    s.ids = std::move(ids);
+    return true;
+}
+
+}  // namespace mirk
