@@ -1,0 +1,7 @@
+# Checks of the repository itself, run by ctest beside the tests.
+add_test(NAME check.PluginIncludes
+  COMMAND "${CMAKE_COMMAND}" "-DROOT=${CMAKE_SOURCE_DIR}" -P "${CMAKE_SOURCE_DIR}/cmake/checks/Includes.cmake")
+add_test(NAME check.HostSdk
+  COMMAND "${CMAKE_COMMAND}" "-DROOT=${CMAKE_SOURCE_DIR}" "-DBUILD=${CMAKE_BINARY_DIR}" "-DTYPE=${CMAKE_BUILD_TYPE}"
+          "-DSANITIZE=${MIRK_SANITIZE}" -P "${CMAKE_SOURCE_DIR}/cmake/checks/Sdk.cmake")
+set_tests_properties(check.HostSdk PROPERTIES TIMEOUT 900)
