@@ -1,6 +1,6 @@
 // Entry points. Loading registers everything, hands the scripted layer to the host's interpreters and writes the files
-// of the scripted tools; unloading takes the registrations back. The order of the steps is part of the interface: scripts
-// and scenes rely on it.
+// of the scripted tools; unloading takes the registrations back. The order of the steps is part of the interface:
+// scripts and scenes rely on it.
 #include <cstddef>
 #include <fstream>
 
@@ -117,7 +117,8 @@ void writeFile(const MString& directory, const char* name, const char* bytes, st
 /// The module's source is on disk only as long as its import takes.
 void importAndRemove(const MString& directory, const MString& module)
 {
-    python("import " + module + " as " + module + "; reload(" + module + "); os.remove('" + directory + module + ".py')");
+    python(MString("import ") + module + " as " + module + "; reload(" + module + "); os.remove('" + directory + module +
+           ".py')");
 }
 
 void deployTools()

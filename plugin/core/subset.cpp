@@ -3,10 +3,7 @@
 #include <maya/MDataHandle.h>
 #include <maya/MFnGeometryData.h>
 #include <maya/MFnSingleIndexedComponent.h>
-#include <maya/MIntArray.h>
 #include <maya/MPlugArray.h>
-
-#include <numeric>
 
 namespace {
 
@@ -53,21 +50,22 @@ Subset::Subset(MDataBlock& block, SubsetMode mode, const SubsetSource& source) :
         list_.add(component_);
 }
 
-std::vector<int> Subset::indices(int pointCount) const
+MIntArray Subset::indices(unsigned int pointCount) const
 {
-    std::vector<int>          ids;
+    MIntArray                 ids;
     MObject                   component = component_;
     MFnSingleIndexedComponent fn;
     const bool                single = !all() && !component.isNull() && fn.setObject(component) == MS::kSuccess;
     if (all() || (single && fn.isComplete())) {
-        ids.resize(pointCount > 0 ? pointCount : 0);
-        std::iota(ids.begin(), ids.end(), 0);
+        ids.setLength(pointCount);
+        for (unsigned int i = 0; i < pointCount; ++i)
+            ids[i] = static_cast<int>(i);
     } else if (single) {
-        MIntArray elements;
-        fn.getElements(elements);
-        ids.resize(elements.length());
-        for (unsigned int i = 0; i < elements.length(); ++i)
-            ids[i] = elements[i];
+        fn.getElements(ids);
+        unsigned int inside = 0;
+        while (inside < ids.length() && ids[inside] >= 0 && static_cast<unsigned int>(ids[inside]) < pointCount)
+            ++inside;
+        ids.setLength(inside);
     }
     return ids;
 }

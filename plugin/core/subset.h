@@ -2,10 +2,9 @@
 #pragma once
 #include <maya/MDataBlock.h>
 #include <maya/MFnComponentListData.h>
+#include <maya/MIntArray.h>
 #include <maya/MObject.h>
 #include <maya/MPlug.h>
-
-#include <vector>
 
 enum class SubsetMode : short { kAll = 0, kComponentList = 1, kObjectGroup = 2 };
 
@@ -27,9 +26,9 @@ public:
     bool all() const { return mode_ == SubsetMode::kAll; }
     /// True if the component that an iterator stands on is selected. Always true for kAll.
     bool has(const MObject& item) const { return all() || list_.has(item); }
-    /// Indices of a single-indexed component in its own order; 0 to pointCount - 1 for kAll and for a complete
-    /// component. Indices outside the geometry are kept, as the component has them.
-    std::vector<int> indices(int pointCount) const;
+    /// Indices of a single-indexed component in its own order up to the first one outside the geometry, which ends the
+    /// list even if good ones follow. 0 to pointCount - 1 for kAll and for a complete component.
+    MIntArray indices(unsigned int pointCount) const;
 
 private:
     SubsetMode           mode_;
