@@ -96,7 +96,8 @@ MStatus arrayToPointAttribute::compute(const MPlug& plug, MDataBlock& block)
     const bool   isMesh = outGeo.type() == MFnData::kMesh;               // work
     MObject      meshObject = isMesh ? outGeo.asMeshTransformed() : MObject::kNullObj;
     const auto   mode = static_cast<SubsetMode>(block.inputValue(aUseComp).asShort());
-    const Subset subset(block, mode, {MPlug(thisMObject(), aInComp), outGeo.data(), block.inputValue(aGroupId).asInt()});
+    const int    groupId = block.inputValue(aGroupId).asInt();
+    const Subset subset(block, mode, {MPlug(thisMObject(), aInComp), outGeo.data(), groupId});
     if (!isMesh) {
         if (outGeo.type() == MFnData::kNurbsCurve && wants(block, aPositions, aInPosPP))
             writePositions(block, outGeo, subset, static_cast<unsigned int>(MItGeometry(outGeo).count()));

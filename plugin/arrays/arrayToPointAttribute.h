@@ -6,8 +6,8 @@
 
 class Subset;
 
-/// Writes positions, vertex normals and vertex colours from arrays into a copy of the geometry. The arrays have the full
-/// point count; a subset selects which of their entries are written.
+/// Writes positions, vertex normals and vertex colours from arrays into a copy of the geometry. The arrays have the
+/// full point count; a subset selects which of their entries are written.
 class arrayToPointAttribute : public MPxNode
 {
 public:

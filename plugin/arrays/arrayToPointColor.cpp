@@ -99,7 +99,8 @@ MStatus arrayToPointColor::compute(const MPlug& plug, MDataBlock& block)
     rule.solidAlpha = block.inputValue(aSolidAlpha).asBool();
 
     const auto   mode = static_cast<SubsetMode>(block.inputValue(aUseComp).asShort());
-    const Subset subset(block, mode, {MPlug(thisMObject(), aInComp), outGeo.data(), block.inputValue(aGroupId).asInt()});
+    const int    groupId = block.inputValue(aGroupId).asInt();
+    const Subset subset(block, mode, {MPlug(thisMObject(), aInComp), outGeo.data(), groupId});
     MIntArray    ids = selectedVertices(outGeo, subset, pointCount);
     MColorArray  colors;
     colors.setLength(ids.length());

@@ -49,7 +49,8 @@ constexpr double clamped(double value, const Rule& rule)
     return value > rule.max ? rule.max : value;
 }
 
-/// The colour of point `i`. Vectors and points without solid alpha are transparent: their alpha is 0, not the present one.
+/// The colour of point `i`. Vectors and points without solid alpha are transparent: their alpha is 0, not the present
+/// one.
 ///
 /// @param values        the array's first value; point `i` must lie within it by the rule's layout
 /// @param presentAlpha  the point's alpha before, kept by three values a point

@@ -32,7 +32,7 @@ inline int chosenFace(FaceChoice& choice, int faceCount)
     return choice.offset;
 }
 
-/// Which of normal (0), tangent (1) and binormal (2) stands in each row of the rotation matrix, by rotationOrder 0 to 5.
+/// Which of normal (0), tangent (1) and binormal (2) stands in each row of the rotation matrix, by rotationOrder.
 inline constexpr int kRotationRows[6][3] = {{0, 1, 2}, {0, 2, 1}, {1, 0, 2}, {1, 2, 0}, {2, 0, 1}, {2, 1, 0}};
 
 /// Walks the vertices of a mesh with one live frame. The three vectors are never reset: each sum starts from the unit

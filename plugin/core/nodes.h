@@ -1,5 +1,5 @@
-// The registry: every node type and command of the plug-in, in the order of registration. Loading and unloading both walk
-// it, and nothing is listed a second time.
+// The registry: every node type and command of the plug-in, in the order of registration. Loading and unloading both
+// walk it, and nothing is listed a second time.
 #pragma once
 #include <vector>
 

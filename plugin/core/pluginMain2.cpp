@@ -117,8 +117,8 @@ void writeFile(const MString& directory, const char* name, const char* bytes, st
 /// The module's source is on disk only as long as its import takes.
 void importAndRemove(const MString& directory, const MString& module)
 {
-    python(MString("import ") + module + " as " + module + "; reload(" + module + "); os.remove('" + directory + module +
-           ".py')");
+    python(MString("import ") + module + " as " + module + "; reload(" + module + "); os.remove('" + directory +
+           module + ".py')");
 }
 
 void deployTools()
