@@ -1,5 +1,5 @@
-# The toolkit class. Everything in this block lives in the interpreter's top-level namespace, where menu commands and the
-# loader reach it by bare name.
+# The toolkit class. Everything in this block lives in the interpreter's top-level namespace, where menu commands and
+# the loader reach it by bare name.
 import os
 import sys
 from importlib import reload
