@@ -5,3 +5,6 @@ add_test(NAME check.HostSdk
   COMMAND "${CMAKE_COMMAND}" "-DROOT=${CMAKE_SOURCE_DIR}" "-DBUILD=${CMAKE_BINARY_DIR}" "-DTYPE=${CMAKE_BUILD_TYPE}"
           "-DSANITIZE=${MIRK_SANITIZE}" -P "${CMAKE_SOURCE_DIR}/cmake/checks/Sdk.cmake")
 set_tests_properties(check.HostSdk PROPERTIES TIMEOUT 900)
+add_test(NAME check.NodeTable
+  COMMAND "${CMAKE_COMMAND}" "-DMIRK=$<TARGET_FILE:mirk>" "-DLIST=${CMAKE_SOURCE_DIR}/tests/plugin/nodes.tsv"
+          -P "${CMAKE_SOURCE_DIR}/cmake/checks/NodeTable.cmake")
