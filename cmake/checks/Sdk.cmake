@@ -1,6 +1,7 @@
 # The plug-in against an installed host: install to a fresh folder in the layout of an SDK, build plugin/ alone from
 # there, and let the installed host list the nodes of that plug-in.
-# Called with -DROOT=<repository> -DBUILD=<build folder> -DSANITIZE=<ON|OFF> -DTYPE=<build type>.
+# Called with -DROOT=<repository> -DBUILD=<build folder> -DSANITIZE=<ON|OFF> -DTYPE=<build type>
+# -DCXX=<compiler>.
 set(work "${BUILD}/sdk-check")
 file(REMOVE_RECURSE "${work}/sdk")
 
@@ -14,6 +15,16 @@ endfunction()
 
 run("install" "${CMAKE_COMMAND}" --install "${BUILD}" --prefix "${work}/sdk")
 file(REMOVE "${work}/sdk/lib/mirk.so")
+
+# each header stands alone
+file(GLOB headers "${work}/sdk/include/maya/*.h")
+file(WRITE "${work}/alone.cpp" "")
+foreach(header IN LISTS headers)
+  get_filename_component(name "${header}" NAME)
+  run("maya/${name} alone" "${CXX}" -std=c++17 -fsyntax-only "-I${work}/sdk/include" -include "maya/${name}"
+      "${work}/alone.cpp")
+endforeach()
+
 run("configure" "${CMAKE_COMMAND}" -S "${ROOT}" -B "${work}/build" -G Ninja "-DMIRK_HOST_SDK=${work}/sdk"
     "-DCMAKE_BUILD_TYPE=${TYPE}" "-DMIRK_SANITIZE=${SANITIZE}" "-DCMAKE_INSTALL_PREFIX=${work}/sdk")
 run("build" "${CMAKE_COMMAND}" --build "${work}/build")
