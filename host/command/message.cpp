@@ -62,6 +62,7 @@ void send(Kind kind, const std::string& text)
 }  // namespace
 
 void print(const std::string& text) { send(kPrint, text); }
+void printError(const std::string& text) { send(kPrintError, text); }
 void result(const std::string& text) { send(kResult, text); }
 void echo(const std::string& text) { send(kEcho, text); }
 void info(const std::string& text) { send(kInfo, text); }

@@ -6,10 +6,11 @@
 
 namespace mirk::message {
 
-enum Kind { kPrint, kResult, kEcho, kInfo, kWarning, kError };
+enum Kind { kPrint, kPrintError, kResult, kEcho, kInfo, kWarning, kError };
 
 /// Text as it is, no line end added: what `print` writes.
 void print(const std::string& text);
+void printError(const std::string& text);   ///< the same to standard error
 void result(const std::string& text);    ///< "// Result: text //"
 void echo(const std::string& text);      ///< a command as it runs
 void info(const std::string& text);      ///< a line as it is
