@@ -1,8 +1,10 @@
 // Plugs to language values.
 #include <cmath>
 
+#include <maya/MString.h>
+
 #include "command/attr_value.h"
-#include "data/component.h"
+#include "dag/component_text.h"
 #include "graph/evaluate.h"
 
 namespace mirk::command {
@@ -18,12 +20,20 @@ Floats copied(const T* values, size_t n)
     return out;
 }
 
+Strings stringsOf(const StringArrayData& data)
+{
+    Strings out;
+    for (const MString& s : std::as_const(*data.buffer))
+        out.emplace_back(s.asChar(), s.length());
+    return out;
+}
+
 Value dataValue(const Cell& cell, const Data* data, Call& call)
 {
     switch (data->type())
     {
     case MFnData::kString:      return Value(static_cast<const StringData*>(data)->value);
-    case MFnData::kStringArray: return Value(static_cast<const StringArrayData*>(data)->values);
+    case MFnData::kStringArray: return Value(stringsOf(*static_cast<const StringArrayData*>(data)));
     case MFnData::kDoubleArray: return Value(static_cast<const DoubleArrayData*>(data)->buffer);
     case MFnData::kFloatArray:
     {
@@ -67,7 +77,7 @@ Value dataValue(const Cell& cell, const Data* data, Call& call)
     {
         Strings out;
         for (const auto& c : static_cast<const ComponentListData*>(data)->list)
-            for (std::string& s : componentTexts(*c))
+            for (std::string& s : mirk::componentTexts(*c))
                 out.push_back(std::move(s));
         return Value(out);
     }

@@ -20,8 +20,4 @@ void writeNumbers(Cell& cell, Arguments& args, bool clamp);
 /// Numbers one value of the attribute takes: 1, 2, 3, 4 or 16; 0 for data.
 size_t numbersOf(const Attribute& attr);
 
-/// Components as text and back: "vtx[0:3]", "cv[*][0]", "f[2]". An element of several runs gives several texts.
-Strings        componentTexts(const Component& component, bool flat = false);
-Ref<Component> componentFromText(const std::string& text);
-
 }  // namespace mirk::command

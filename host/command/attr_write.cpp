@@ -1,9 +1,11 @@
 // Argument lists to plugs: the kinds of `setAttr -type`.
+#include <maya/MString.h>
 #include <maya/MTransformationMatrix.h>
 #include <maya/MEulerRotation.h>
 
 #include "command/attr_value.h"
 #include "command/geometry_text.h"
+#include "dag/component_text.h"
 #include "data/component.h"
 
 namespace mirk::command {
@@ -63,9 +65,10 @@ Ref<Data> componentsFrom(Arguments& args)
     for (int i = 0; i < count; ++i)
     {
         const std::string text = args.text();
-        Ref<Component>    c = componentFromText(text);
+        std::string       why;
+        Ref<Component>    c = parseComponent(text, ComponentOf::any, nullptr, &why);
         if (!c)
-            fail("Invalid component: " + text);
+            fail("Invalid component '" + text + "': " + why);
         mergeInto(*data, *c);
     }
     return data;
@@ -167,13 +170,13 @@ Ref<Data> dataFromArguments(const std::string& type, Arguments& args, const Cell
         return make<StringData>(args.text());
     if (type == "stringArray")
     {
-        auto      data = make<StringArrayData>();
         const int count = args.integer();
         if (count < 0 || size_t(count) > args.left())
             fail("Error reading data: " + std::to_string(count) + " strings expected, " + std::to_string(args.left()) + " given");
-        for (int i = 0; i < count; ++i)
-            data->values.push_back(args.text());
-        return data;
+        auto buffer = make<ElementBuffer<MString>>(size_t(count));
+        for (MString& s : *buffer)
+            s = args.text().c_str();
+        return make<StringArrayData>(buffer);
     }
     if (type == "doubleArray")
         return arrayOf<DoubleArrayData, double>(args.counted(1), 1);

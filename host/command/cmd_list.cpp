@@ -1,6 +1,7 @@
 // ls and listRelatives.
 #include "command/attr_value.h"
 #include "command/cmd_util.h"
+#include "data/component.h"
 
 namespace mirk::command {
 
@@ -109,12 +110,9 @@ public:
         Item bare = item;
         if (call_.has("objectsOnly"))
             bare.plug = nullptr, bare.component = {};
-        if (bare.component && call_.has("flatten"))
-        {
-            const std::string name = names::text(bare), object = name.substr(0, name.find('.'));
-            for (const std::string& text : componentTexts(*bare.component, true))
-                out.push_back(object + "." + text);
-        }
+        if (bare.component)
+            for (std::string& text : call_.has("flatten") ? flatTexts(bare) : names::texts(bare))
+                out.push_back(std::move(text));
         else
             out.push_back(name(bare));
         if (call_.has("showType"))
@@ -133,6 +131,23 @@ private:
         {
             return {};
         }
+    }
+
+    /// One text for each element.
+    static std::vector<std::string> flatTexts(const Item& item)
+    {
+        std::vector<std::string> out;
+        const Component&         c = *item.component;
+        const size_t             d = size_t(c.dimensions());
+        const std::vector<int>   elements = allElements(c);
+        Item                     one = item;
+        for (size_t i = 0; i + d <= elements.size(); i += d)
+        {
+            one.component = makeComponent(c.apiType());
+            addElements(*one.component, &elements[i], 1);
+            out.push_back(names::text(one));
+        }
+        return out.empty() ? names::texts(item) : out;
     }
 
     void addPaths(Node& n, std::vector<Item>& out) const

@@ -91,22 +91,6 @@ void deleteHistory(Node& node)
         }
 }
 
-void deleteBelow(Node& node)
-{
-    if (node.dag)
-        while (!node.dag->children.empty())
-        {
-            Node* child = node.dag->children.back();
-            if (child->dag->parents.size() > 1)
-                dag::removeInstance(*child, node);
-            else
-            {
-                deleteBelow(*child);
-                edit::deleteNode(*child);
-            }
-        }
-}
-
 Value deleteObjects(Call& call)
 {
     std::vector<Ref<Node>> nodes;
@@ -145,10 +129,7 @@ Value deleteObjects(Call& call)
             edit::disconnect(*plug->source, *plug);
     for (auto& n : nodes)
         if (n->inScene)
-        {
-            deleteBelow(*n);
-            edit::deleteNode(*n);
-        }
+            dag::deleteNode(*n);
     return {};
 }
 
@@ -179,14 +160,14 @@ Value renameNode(Call& call)
         for (Node* shape : shapesOf(*node))
             if (shape->name.find("Shape") != std::string::npos)
                 follow.emplace_back(shape, "");
-    edit::renameNode(*node, name);
+    dag::renameNode(*node, name);
     for (auto& [shape, unused] : follow)
     {
         std::string base = node->name;
         size_t      digits = base.size();
         while (digits > 0 && std::isdigit(static_cast<unsigned char>(base[digits - 1])))
             --digits;
-        edit::renameNode(*shape, base.substr(0, digits) + "Shape" + base.substr(digits));
+        dag::renameNode(*shape, base.substr(0, digits) + "Shape" + base.substr(digits));
     }
     return Value(nodeName(*node));
 }
