@@ -56,6 +56,7 @@ public:
     bool     unique() const noexcept { return this->refCount() - this->aliasCount() <= 1; }
 
     size_t   size() const noexcept { return size_; }
+    size_t   capacity() const noexcept { return capacity_; }
     bool     empty() const noexcept { return size_ == 0; }
     T*       data() noexcept { return data_; }
     const T* data() const noexcept { return data_; }

@@ -8,8 +8,13 @@
 
 #include <maya/MFnData.h>
 #include <maya/MFnNumericData.h>
+#include <maya/MMatrix.h>
+#include <maya/MPoint.h>
+#include <maya/MString.h>
+#include <maya/MVector.h>
 
 #include "data/buffer.h"
+#include "data/element_buffer.h"
 #include "data/object.h"
 
 class MTransformationMatrix;
@@ -27,31 +32,27 @@ public:
     bool hasFn(MFn::Type t) const override { return t == MFn::kData || Object::hasFn(t); }
 };
 
-/// A numeric array: double, int, float, 3-vector, 4-point ... `T` is the stored value as plain C++ type.
-template <class T, MFnData::Type DataType, MFn::Type ApiType>
+/// An array: double, int, float, vector, point ... `T` is the element of the interface's array class.
+template <class T, MFnData::Type DataType, MFn::Type ApiType, class Storage = Buffer<T>>
 class ArrayData : public Data
 {
 public:
-    ArrayData() : buffer(make<Buffer<T>>()) {}
-    explicit ArrayData(Ref<Buffer<T>> b) : buffer(b ? std::move(b) : make<Buffer<T>>()) {}
+    ArrayData() : buffer(make<Storage>()) {}
+    explicit ArrayData(Ref<Storage> b) : buffer(b ? std::move(b) : make<Storage>()) {}
     MFnData::Type type() const override { return DataType; }
     MFn::Type     apiType() const override { return ApiType; }
     Ref<Data>     share() const override { return make<ArrayData>(buffer); }
 
-    Ref<Buffer<T>> buffer;  ///< never null
+    Ref<Storage> buffer;  ///< never null
 };
-
-struct D3 { double v[3]; };
-struct D4 { double v[4]; };
-struct F3 { float v[3]; };
-struct M44 { double v[4][4]; };
 
 using DoubleArrayData      = ArrayData<double, MFnData::kDoubleArray, MFn::kDoubleArrayData>;
 using FloatArrayData       = ArrayData<float, MFnData::kFloatArray, MFn::kFloatArrayData>;
 using IntArrayData         = ArrayData<int, MFnData::kIntArray, MFn::kIntArrayData>;
-using VectorArrayData      = ArrayData<D3, MFnData::kVectorArray, MFn::kVectorArrayData>;
-using PointArrayData       = ArrayData<D4, MFnData::kPointArray, MFn::kPointArrayData>;
-using MatrixArrayData      = ArrayData<M44, MFnData::kMatrixArray, MFn::kMatrixArrayData>;
+using VectorArrayData      = ArrayData<MVector, MFnData::kVectorArray, MFn::kVectorArrayData>;
+using PointArrayData       = ArrayData<MPoint, MFnData::kPointArray, MFn::kPointArrayData>;
+using MatrixArrayData      = ArrayData<MMatrix, MFnData::kMatrixArray, MFn::kMatrixArrayData>;
+using StringArrayData      = ArrayData<MString, MFnData::kStringArray, MFn::kStringArrayData, ElementBuffer<MString>>;
 
 /// One set of component indices: single (vertices, edges, faces, UVs, curve CVs ...), double (surface CVs) or triple
 /// (lattice points) indexed. A complete component stands for all, counted where it is applied.
@@ -99,16 +100,6 @@ public:
     Ref<Data>     share() const override { return make<StringData>(value); }
 
     std::string value;
-};
-
-class StringArrayData : public Data
-{
-public:
-    MFnData::Type type() const override { return MFnData::kStringArray; }
-    MFn::Type     apiType() const override { return MFn::kStringArrayData; }
-    Ref<Data>     share() const override;
-
-    std::vector<std::string> values;
 };
 
 class MatrixData : public Data

@@ -21,6 +21,7 @@ public:
 
     bool     unique() const noexcept { return this->refCount() - this->aliasCount() <= 1; }
     size_t   size() const noexcept { return values_.size(); }
+    size_t   capacity() const noexcept { return values_.capacity(); }
     bool     empty() const noexcept { return values_.empty(); }
     T*       data() noexcept { return values_.data(); }
     const T* data() const noexcept { return values_.data(); }

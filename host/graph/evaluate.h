@@ -35,6 +35,9 @@ constexpr size_t kStackBytes = size_t(64) << 30;
 /// Where evaluation warnings and errors go ("Cycle on ...", "Evaluation went too deep at ...").
 void setReporter(void (*report)(const std::string& message, bool isError));
 
+/// A cell whose data object was set in a running compute: sealed when that returns.
+void noteWritten(Cell& cell);
+
 /// Commands that run inside a compute note it, so that the node type stays on the main thread from then on.
 void noteCommandInCompute();
 

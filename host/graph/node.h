@@ -63,6 +63,10 @@ bool      deregisterNodeType(NodeType* type);
 /// The type that `initialize` of a class is filling at the moment (MPxNode::addAttribute and friends).
 NodeType*& typeBeingBuilt();
 
+/// Registers the abstract type that all nodes derive from, with the attributes that MPxNode names; once.
+NodeType* registerBaseType();
+const Attribute* nodeStateAttribute();
+
 class Node : public Object
 {
 public:

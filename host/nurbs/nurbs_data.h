@@ -20,7 +20,7 @@ public:
     NurbsForm form     = NurbsForm::open;
     bool      is2D     = false;
     bool      rational = false;
-    Ref<Buffer<D4>>     cvs   = make<Buffer<D4>>();       ///< never null; empty in fresh data
+    Ref<Buffer<MPoint>>     cvs   = make<Buffer<MPoint>>();       ///< never null; empty in fresh data
     Ref<Buffer<double>> knots = make<Buffer<double>>();
 
     int cvCount() const { return int(cvs->size()); }
@@ -36,9 +36,11 @@ public:
     NurbsForm formU = NurbsForm::open, formV = NurbsForm::open;
     bool      rational = false;
     int       cvsU = 0, cvsV = 0;
-    Ref<Buffer<D4>>     cvs    = make<Buffer<D4>>();       ///< cvsU * cvsV, V running fastest; never null
+    Ref<Buffer<MPoint>>     cvs    = make<Buffer<MPoint>>();       ///< cvsU * cvsV, V running fastest; never null
     Ref<Buffer<double>> knotsU = make<Buffer<double>>(), knotsV = make<Buffer<double>>();
 
+    int  uniqueU() const { return formU == NurbsForm::periodic ? cvsU - degreeU : cvsU; }
+    int  uniqueV() const { return formV == NurbsForm::periodic ? cvsV - degreeV : cvsV; }
     bool empty() const { return cvs->empty(); }
 };
 
@@ -97,11 +99,15 @@ extern Ref<Object> (*createSurfaceShape)(Object* parent, Ref<SurfaceData> surfac
 /// Makes a body from checked parts, or returns what is wrong: counts, degree, form, knots that decrease or rise nowhere,
 /// numbers that are not finite, a weight that is not positive. A form that says periodic has its last CVs made equal to
 /// the first.
-std::string buildCurve(CurveBody& body, const D4* cvs, size_t cvCount, const double* knots, size_t knotCount, int degree,
+std::string buildCurve(CurveBody& body, const MPoint* cvs, size_t cvCount, const double* knots, size_t knotCount, int degree,
                        NurbsForm form, bool is2D, bool rational);
-std::string buildSurface(SurfaceBody& body, const D4* cvs, size_t cvCount, const double* knotsU, size_t knotCountU,
+std::string buildSurface(SurfaceBody& body, const MPoint* cvs, size_t cvCount, const double* knotsU, size_t knotCountU,
                          const double* knotsV, size_t knotCountV, int degreeU, int degreeV, NurbsForm formU,
                          NurbsForm formV, bool rational);
+
+/// Makes the repeated CVs of periodic directions equal to the first ones again; call after writing CVs.
+void syncPeriodic(CurveBody& body);
+void syncPeriodic(SurfaceBody& body);
 
 /// The matrix into the CVs, and the identity in its place: what copying a transformed shell does.
 void bakeMatrix(CurveBody& body);

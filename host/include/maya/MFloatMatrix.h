@@ -46,7 +46,8 @@ public:
     /// The identity if the matrix is singular.
     MFloatMatrix inverse() const;
     MFloatMatrix adjoint() const;
-    /// The nearest matrix whose three axes have length 1 and are at right angles; the last column becomes 0, 0, 0, 1.
+    /// The axes made unit vectors at right angles, one after the other; the translation stays, the last column becomes
+    /// 0, 0, 0, 1.
     MFloatMatrix homogenize() const;
     float det4x4() const;
     float det3x3() const;

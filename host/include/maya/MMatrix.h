@@ -46,7 +46,8 @@ public:
     /// The identity if the matrix is singular.
     MMatrix inverse() const;
     MMatrix adjoint() const;
-    /// The nearest matrix whose three axes have length 1 and are at right angles; the last column becomes 0, 0, 0, 1.
+    /// The axes made unit vectors at right angles, one after the other; the translation stays, the last column becomes
+    /// 0, 0, 0, 1.
     MMatrix homogenize() const;
     double det4x4() const;
     double det3x3() const;

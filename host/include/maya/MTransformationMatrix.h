@@ -11,8 +11,9 @@
 /// The pieces of a transform. With row vectors the matrix is, from left to right: to the scale pivot, scale, shear,
 /// back from the scale pivot, scale pivot translation, to the rotate pivot, rotation orientation, rotation, back from
 /// the rotate pivot, rotate pivot translation, translation.
-/// Lengths are in internal units, angles in radians. Spaces: kTransform, kPostTransform and kWorld take a value as it
-/// stands in the piece; kPreTransform and kObject take it in the space before the transform.
+/// Lengths are in internal units, angles in radians. The space matters to translations and to what is added to the
+/// rotation: kPreTransform and kObject mean before the transform, the others after it. Pivots are always those of the
+/// space before, scale and shear have no space; kInvalid and other numbers give kInvalidParameter.
 class MTransformationMatrix
 {
 public:
@@ -27,7 +28,7 @@ public:
     /// The matrix of the part `percent`, 0 to 1, of the way from the identity.
     MMatrix asMatrix(double percent) const;
     MMatrix asMatrixInverse() const;
-    MMatrix asScaleMatrix() const;
+    MMatrix asScaleMatrix() const;   ///< scale and shear
     MMatrix asRotateMatrix() const;  ///< orientation and rotation
 
     /// By their matrices.
@@ -55,7 +56,6 @@ public:
     MStatus addRotationQuaternion(double x, double y, double z, double w, MSpace::Space space);
     MTransformationMatrix& rotateTo(const MQuaternion& rotation);
     MTransformationMatrix& rotateTo(const MEulerRotation& rotation);
-    /// Before the present rotation with kPreTransform or kObject, after it otherwise.
     MTransformationMatrix& rotateBy(const MQuaternion& rotation, MSpace::Space space, MStatus* ReturnStatus = nullptr);
     MTransformationMatrix& rotateBy(const MEulerRotation& rotation, MSpace::Space space, MStatus* ReturnStatus = nullptr);
     MStatus setToRotationAxis(const MVector& axis, double angle);

@@ -35,6 +35,7 @@ public:
     double  operator[](unsigned int i) const { return i == 0 ? x : i == 1 ? y : z; }
     double& operator[](unsigned int i) { return i == 0 ? x : i == 1 ? y : z; }
     MStatus get(double v[3]) const { v[0] = x; v[1] = y; v[2] = z; return MStatus(); }
+    MStatus get(float v[3]) const { v[0] = float(x); v[1] = float(y); v[2] = float(z); return MStatus(); }
 
     MVector  operator^(const MVector& o) const { return {y * o.z - z * o.y, z * o.x - x * o.z, x * o.y - y * o.x}; }
     double   operator*(const MVector& o) const { return x * o.x + y * o.y + z * o.z; }

@@ -1,0 +1,69 @@
+#include "draw/image_file.h"
+
+#include <OpenImageIO/imageio.h>
+
+namespace mirk::draw {
+
+using OIIO::ImageInput;
+using OIIO::ImageOutput;
+using OIIO::ImageSpec;
+using OIIO::TypeDesc;
+using view::Error;
+using view::Image;
+
+namespace {
+
+void checkArrays(const std::string& path, const Image& image)
+{
+    const size_t size = image.width > 0 && image.height > 0 && image.channels > 0
+                            ? size_t(image.width) * image.height * image.channels : 0;
+    if (!size || (image.bytes.size() != size && image.floats.size() != size))
+        throw Error("Cannot write image '" + path + "': " + std::to_string(image.width) + " x " +
+                    std::to_string(image.height) + " pixels of " + std::to_string(image.channels) +
+                    " channels do not fit the data given");
+}
+
+}  // namespace
+
+void writeImage(const std::string& path, const Image& image)
+{
+    checkArrays(path, image);
+    const bool bytes = !image.bytes.empty();
+    const auto out = ImageOutput::create(path);
+    if (!out)
+        throw Error("Cannot write image '" + path + "': " + OIIO::geterror());
+    ImageSpec spec(image.width, image.height, image.channels, bytes ? TypeDesc::UINT8 : TypeDesc::FLOAT);
+    if (bytes) {
+        spec.attribute("oiio:ColorSpace", "sRGB");
+        spec.attribute("oiio:UnassociatedAlpha", 1);
+    }
+    const void* data = bytes ? static_cast<const void*>(image.bytes.data()) : image.floats.data();
+    if (!out->open(path, spec) || !out->write_image(bytes ? TypeDesc::UINT8 : TypeDesc::FLOAT, data) || !out->close())
+        throw Error("Cannot write image '" + path + "': " + out->geterror());
+}
+
+Image readImage(const std::string& path)
+{
+    ImageSpec plain;
+    plain.attribute("oiio:UnassociatedAlpha", 1);
+    const auto in = ImageInput::open(path, &plain);
+    if (!in)
+        throw Error("Cannot read image '" + path + "': " + OIIO::geterror());
+    const ImageSpec& spec = in->spec();
+    Image image{spec.width, spec.height, spec.nchannels, {}, {}};
+    const size_t size = size_t(spec.width) * spec.height * spec.nchannels;
+    const bool bytes = spec.format == TypeDesc::UINT8;
+    bool good = false;
+    if (bytes) {
+        image.bytes.resize(size);
+        good = in->read_image(0, 0, 0, spec.nchannels, TypeDesc::UINT8, image.bytes.data());
+    } else {
+        image.floats.resize(size);
+        good = in->read_image(0, 0, 0, spec.nchannels, TypeDesc::FLOAT, image.floats.data());
+    }
+    if (!good)
+        throw Error("Cannot read image '" + path + "': " + in->geterror());
+    return image;
+}
+
+}  // namespace mirk::draw
