@@ -56,6 +56,10 @@ public:
     std::vector<Value> args;      ///< free arguments, in order
     bool               display = false;
 
+    // What a handler says about its result to languages with more kinds of values than MEL.
+    int                rowWidth = 0;    ///< numbers that belong together in a float array: x, y, z
+    bool               truth = false;   ///< an int that answers yes or no
+
     bool isQuery() const { return mode == kQuery; }
     bool isEdit() const { return mode == kEdit; }
     /// By long name. The first use, or null.

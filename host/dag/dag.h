@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "data/data.h"
 #include "graph/node.h"
 
 namespace mirk {
@@ -40,6 +41,11 @@ void  addInstance(Node& child, Node& newParent);
 void  removeInstance(Node& child, Node& parent);
 void  reorder(Node& child, Node& parent, size_t place);
 
+/// Takes any node out of the scene; with a DAG node goes all that stands below it and nowhere else.
+void  deleteNode(Node& node);
+/// Gives a node a name. In the DAG a name has to be unique among siblings only; a taken one gets a number.
+void  renameNode(Node& node, const std::string& name);
+
 std::vector<Path> allPaths(Node& node);
 Path  firstPath(Node& node);
 /// All DAG nodes below, depth first, in outliner order; instances once a path.
@@ -55,6 +61,13 @@ std::string shortestName(Node& node);
 void  inclusiveMatrix(const Path& path, double out[4][4]);
 void  exclusiveMatrix(const Path& path, double out[4][4]);
 unsigned instanceNumber(const Path& path);
+bool  isInstanced(Node& node);                 ///< stands on more than one path
+/// The same path after the scene has changed: a chain that broke is found again from its end; empty if the node is gone.
+Path  refreshed(const Path& path);
+/// Called when nodes have moved in the DAG, so that what depends on their place gets dirty. Set by the node types.
+extern void (*onMoved)(Node& node);
+/// Forgets the world's children; for a new scene, when all nodes are gone.
+void  clear();
 
 }  // namespace dag
 
@@ -78,7 +91,16 @@ std::vector<Item> resolve(const std::string& text);
 Item one(const std::string& text);
 Node& node(const std::string& text);
 Cell& plug(const std::string& text, bool create = true);
+/// The item as commands print it; of components the first run of indices only.
 std::string text(const Item& item);
+/// Components give one text for each run of indices ("a.vtx[0:3]", "a.vtx[7]").
+std::vector<std::string> texts(const Item& item);
+/// How many components of a type a shape has, in each direction; false if the shape has none of the type.
+/// Set by the node types.
+extern bool (*componentExtent)(Node& shape, MFn::Type type, int extent[3]);
+/// True if the text has shell-like wildcards; whether a name matches them ('*' and '?').
+bool isPattern(const std::string& text);
+bool matches(const std::string& pattern, const std::string& name);
 
 }  // namespace names
 

@@ -1,0 +1,23 @@
+// Values of plugs as commands and scene files see them: read into language values, written from argument lists.
+#pragma once
+#include "command/cmd_util.h"
+
+namespace mirk::command {
+
+/// The value in the user's units; evaluates. Arrays come as flat float arrays on the attribute's own buffer where the
+/// kinds agree. Errors for kinds that have no value in the languages (messages, geometry).
+Value readPlug(Cell& cell, Call& call);
+/// The name getAttr -type and setAttr -type use: "double3", "mesh", "Int32Array"; "" if there is none.
+std::string typeNameOf(const Cell& cell);
+std::string typeNameOf(const Attribute& attr);
+std::string numericName(Store store);
+
+/// Makes the data object of a `-type` from its arguments. Null for a type that is no data type.
+Ref<Data> dataFromArguments(const std::string& type, Arguments& args, const Cell& target);
+/// Writes numbers of the arguments into a number, tuple or matrix plug; values are in the user's units.
+/// `clamp`: out of range goes to the limit instead of an error.
+void writeNumbers(Cell& cell, Arguments& args, bool clamp);
+/// Numbers one value of the attribute takes: 1, 2, 3, 4 or 16; 0 for data.
+size_t numbersOf(const Attribute& attr);
+
+}  // namespace mirk::command

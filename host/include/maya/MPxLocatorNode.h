@@ -1,0 +1,32 @@
+#pragma once
+#include <maya/M3dView.h>
+#include <maya/MPxNode.h>
+
+class MBoundingBox;
+class MDagPath;
+
+/// Base of user-defined locators: shapes that draw themselves.
+class MPxLocatorNode : public MPxNode
+{
+public:
+    MPxLocatorNode();
+    ~MPxLocatorNode() override;
+    Type type() const override;
+
+    virtual void draw(M3dView& view, const MDagPath& path, M3dView::DisplayStyle style, M3dView::DisplayStatus status);
+    virtual bool isBounded() const;
+    virtual MBoundingBox boundingBox() const;
+    virtual bool excludeAsLocator() const;
+    virtual bool isTransparent() const;
+    virtual bool drawLast() const;
+
+    static MObject nodeBoundingBox, nodeBoundingBoxMin, nodeBoundingBoxMinX, nodeBoundingBoxMinY, nodeBoundingBoxMinZ,
+        nodeBoundingBoxMax, nodeBoundingBoxMaxX, nodeBoundingBoxMaxY, nodeBoundingBoxMaxZ, nodeBoundingBoxSize,
+        nodeBoundingBoxSizeX, nodeBoundingBoxSizeY, nodeBoundingBoxSizeZ;
+    static MObject center, boundingBoxCenterX, boundingBoxCenterY, boundingBoxCenterZ;
+    static MObject matrix, inverseMatrix, worldMatrix, worldInverseMatrix, parentMatrix, parentInverseMatrix;
+    static MObject visibility, intermediateObject, instObjGroups;
+    static MObject localPosition, localPositionX, localPositionY, localPositionZ;
+    static MObject worldPosition, worldPositionX, worldPositionY, worldPositionZ;
+    static MObject localScale, localScaleX, localScaleY, localScaleZ;
+};
