@@ -175,12 +175,13 @@ void gatherMap(const Points& points, const MString& uvSet, PointArrays& out)
             counts.push_back(0.0);
             return;
         }
-        int    previous = 0;
+        int    previous = 0, uvCount = 0;
         float2 uv = {0.0f, 0.0f};
-        if (!vertex.setIndex(static_cast<int>(i * points.step), previous) || !vertex.getUVIndices(uvIds, set) ||
-            uvIds.length() == 0)
+        if (!vertex.setIndex(static_cast<int>(i * points.step), previous) || !vertex.numUVs(uvCount, set) ||
+            uvCount < 1 || !vertex.getUVIndices(uvIds, set))
             return;
-        const unsigned int used = points.kind == MFnData::kNurbsCurve ? 1 : uvIds.length();
+        const unsigned int wanted = points.kind == MFnData::kNurbsCurve ? 1 : static_cast<unsigned int>(uvCount);
+        const unsigned int used = std::min(wanted, uvIds.length());
         counts.push_back(used);
         for (unsigned int k = 0; k < used; ++k) {
             const int  id = uvIds[k];

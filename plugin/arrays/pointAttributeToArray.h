@@ -27,6 +27,7 @@ public:
 private:
     void gather(MDataBlock& block, const PointSwitches& on, PointArrays& out) const;
     void gatherVectors(MDataBlock& block, const MObject& vectors, PointArrays& out) const;
-    /// The set that is read, empty for the current one. A set that the mesh does not have gives a warning and way to it.
+    /// The set that is read, empty for the current one. A set that the mesh does not have gives a warning, and way to
+    /// the current one.
     MString uvSetInUse(const MObject& mesh, const MString& uvSet) const;
 };
