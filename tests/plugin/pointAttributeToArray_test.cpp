@@ -197,7 +197,8 @@ TEST_F(PointAttributeToArray, CurvePointsAndTheirIds)
 
 TEST_F(PointAttributeToArray, SurfaceHasTwoIdsAPoint)
 {
-    run("nurbsPlane -axis 0 1 0 -width 3 -degree 3 -patchesU 1 -patchesV 1 -name s; createNode pointAttributeToArray -name r;"
+    run("nurbsPlane -axis 0 1 0 -width 3 -degree 3 -patchesU 1 -patchesV 1 -name s;"
+        "createNode pointAttributeToArray -name r;"
         "connectAttr s.worldSpace[0] r.inGeometry; setAttr r.pointPosition 1");
     ASSERT_EQ(vectors("r.outPositionPP").size(), 16u);
     const std::vector<double> ids = doubles("r.outIdPP");
