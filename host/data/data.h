@@ -46,6 +46,8 @@ public:
     Ref<Storage> buffer;  ///< never null
 };
 
+/// Three floats, as meshes store them.
+
 using DoubleArrayData      = ArrayData<double, MFnData::kDoubleArray, MFn::kDoubleArrayData>;
 using FloatArrayData       = ArrayData<float, MFnData::kFloatArray, MFn::kFloatArrayData>;
 using IntArrayData         = ArrayData<int, MFnData::kIntArray, MFn::kIntArrayData>;
