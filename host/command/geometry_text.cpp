@@ -4,6 +4,8 @@
 #include <charconv>
 #include <cmath>
 
+#include <maya/MPoint.h>
+
 #include "mesh/mesh.h"
 #include "nurbs/nurbs_data.h"
 
@@ -197,29 +199,28 @@ std::string meshText(const MeshBody& mesh)
 namespace {
 
 /// x y z [w] of CVs as files hold them: not multiplied by the weight.
-std::vector<D4> readCvs(Arguments& args, bool rational)
+std::vector<MPoint> readCvs(Arguments& args, bool rational)
 {
     const size_t              width = rational ? 4 : 3;
     const std::vector<double> n = args.counted(width);
-    std::vector<D4>           cvs(n.size() / width);
+    std::vector<MPoint>           cvs(n.size() / width);
     for (size_t i = 0; i < cvs.size(); ++i)
     {
         const double w = rational ? n[i * 4 + 3] : 1;
-        cvs[i] = {{n[i * width] * w, n[i * width + 1] * w, n[i * width + 2] * w, w}};
+        cvs[i] = MPoint(n[i * width] * w, n[i * width + 1] * w, n[i * width + 2] * w, w);
     }
     return cvs;
 }
 
-std::string cvTexts(const Buffer<D4>& cvs, bool rational)
+std::string cvTexts(const Buffer<MPoint>& cvs, bool rational)
 {
     std::string out = std::to_string(cvs.size());
-    for (const D4& c : cvs)
+    for (const MPoint& c : cvs)
     {
         out += "\n\t\t";
-        for (int k = 0; k < 3; ++k)
-            out += doubleText(c.v[k] / c.v[3]) + (k < 2 || rational ? " " : "");
+        out += doubleText(c.x / c.w) + " " + doubleText(c.y / c.w) + " " + doubleText(c.z / c.w);
         if (rational)
-            out += doubleText(c.v[3]);
+            out += " " + doubleText(c.w);
     }
     return out;
 }
@@ -249,12 +250,15 @@ Ref<Data> curveFromArguments(Arguments& args)
     const bool rational = args.boolean();
     const int  dimension = args.integer();
     const std::vector<double> knots = args.counted(1);
-    std::vector<D4> cvs;
+    std::vector<MPoint> cvs;
     if (dimension == 2)
     {
         const std::vector<double> n = args.counted(rational ? 3 : 2);
         for (size_t i = 0, w = rational ? 3 : 2; i < n.size(); i += w)
-            cvs.push_back({{n[i] * (rational ? n[i + 2] : 1), n[i + 1] * (rational ? n[i + 2] : 1), 0, rational ? n[i + 2] : 1}});
+            {
+            const double weight = rational ? n[i + 2] : 1;
+            cvs.emplace_back(n[i] * weight, n[i + 1] * weight, 0, weight);
+        }
     }
     else
         cvs = readCvs(args, rational);
@@ -282,7 +286,7 @@ Ref<Data> surfaceFromArguments(Arguments& args)
         fail("Trimmed surfaces cannot be read");
     if (args.nextIs("NOTRIM") || args.nextIs("NO TRIM"))
         args.text();
-    const std::vector<D4> cvs = readCvs(args, rational);
+    const std::vector<MPoint> cvs = readCvs(args, rational);
     auto data = make<SurfaceData>();
     const std::string why = buildSurface(*data->body, cvs.data(), cvs.size(), knotsU.data(), knotsU.size(), knotsV.data(), knotsV.size(),
                                          degreeU, degreeV, formU, formV, rational);

@@ -7,6 +7,8 @@ namespace mirk {
 
 struct Float2 { float u, v; };
 struct Float3 { float v[3]; };
+using F2 = Float2;
+using F3 = Float3;
 
 struct Vec3
 {
