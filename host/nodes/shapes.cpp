@@ -298,18 +298,8 @@ Node* shapeBelow(const char* type, Node* parent) { return dag::createNode(findNo
 /// The new shape's node and, without a parent, the transform made for it.
 Node* returned(Node* shape, bool underParent) { return underParent ? shape : shape->dag->parents.front(); }
 
-Ref<Object> meshShape(Ref<MeshData> mesh, const MObject& parent)
-{
-    Node* above = objectAs<Node>(parent);
-    if (!parent.isNull() && (!above || !above->hasFn(MFn::kTransform)))
-        return nullptr;
-    Node* shape = shapeBelow("mesh", above);
-    static_cast<GeometryShape*>(shape)->store(mesh);
-    return Ref<Object>(returned(shape, above));
-}
-
 template <class T>
-Ref<Object> nurbsShape(const char* type, Object* parent, Ref<T> geometry, Ref<Object>& shape)
+Ref<Object> newShape(const char* type, Object* parent, Ref<T> geometry, Ref<Object>& shape)
 {
     Node* above = dynamic_cast<Node*>(parent);
     if (parent && (!above || !above->hasFn(MFn::kTransform)))
@@ -320,8 +310,9 @@ Ref<Object> nurbsShape(const char* type, Object* parent, Ref<T> geometry, Ref<Ob
     return Ref<Object>(returned(made, above));
 }
 
-Ref<Object> curveShape(Object* parent, Ref<CurveData> curve, Ref<Object>& shape) { return nurbsShape("nurbsCurve", parent, curve, shape); }
-Ref<Object> surfaceShape(Object* parent, Ref<SurfaceData> surface, Ref<Object>& shape) { return nurbsShape("nurbsSurface", parent, surface, shape); }
+Ref<Object> meshShape(Object* parent, Ref<MeshData> mesh, Ref<Object>& shape) { return newShape("mesh", parent, mesh, shape); }
+Ref<Object> curveShape(Object* parent, Ref<CurveData> curve, Ref<Object>& shape) { return newShape("nurbsCurve", parent, curve, shape); }
+Ref<Object> surfaceShape(Object* parent, Ref<SurfaceData> surface, Ref<Object>& shape) { return newShape("nurbsSurface", parent, surface, shape); }
 
 struct Box
 {
