@@ -187,7 +187,7 @@ void gatherMap(const Points& points, const MString& uvSet, PointArrays& out)
             return;
         vertex.getUVIndices(uvIds, set);
         for (unsigned int k = 0; k < count; ++k) {
-            const int  id = uvIds[k];
+            const int  id = k < uvIds.length() ? uvIds[k] : 0;
             const auto at = static_cast<unsigned int>(id);
             *ids++ = id;
             *pairs++ = us[at];
