@@ -10,6 +10,11 @@ set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/lib")
 set(CMAKE_CXX_FLAGS_RELEASE "-O2 -DNDEBUG")
 
+# Debian's own Python is embedded, whatever other Python stands first in PATH.
+set(Python3_ROOT_DIR /usr CACHE PATH "Where the embedded Python is looked for")
+set(Python3_FIND_STRATEGY LOCATION)
+set(Python3_FIND_VIRTUALENV STANDARD)
+
 option(MIRK_SANITIZE "AddressSanitizer and UBSan" OFF)
 
 find_program(MIRK_CCACHE ccache)

@@ -38,13 +38,13 @@ bool tell(MStatus* status, bool good)
     return good;
 }
 
-#define MIRK_CONSTRUCTOR(Class, Type)                                                        \
+#define MIRK_CONSTRUCTOR(Class, Kind)                                                        \
     Class::Class(const MObject& object, MStatus* status) : MFnAttribute()                    \
     {                                                                                        \
         const MStatus s = setObject(object);                                                 \
         if (status) *status = s;                                                             \
     }                                                                                        \
-    MFn::Type Class::type() const { return MFn::Type; }
+    MFn::Type Class::type() const { return MFn::k##Kind; }
 
 bool has(const Attribute* a, Attribute::Limit l, MStatus* s) { return tell(s, a) && (a->limits & l); }
 
@@ -135,7 +135,7 @@ Attribute* colorLike(const MString& longName, const MString& shortName, const ch
 
 // ---- numeric -----------------------------------------------------------------------------------------------------
 
-MIRK_CONSTRUCTOR(MFnNumericAttribute, kNumericAttribute)
+MIRK_CONSTRUCTOR(MFnNumericAttribute, NumericAttribute)
 
 MObject MFnNumericAttribute::create(const MString& l, const MString& b, MFnNumericData::Type type, double value, MStatus* s)
 {
@@ -259,7 +259,7 @@ MStatus MFnNumericAttribute::setDefault(double a, double b, double c, double d) 
 
 // ---- typed -------------------------------------------------------------------------------------------------------
 
-MIRK_CONSTRUCTOR(MFnTypedAttribute, kTypedAttribute)
+MIRK_CONSTRUCTOR(MFnTypedAttribute, TypedAttribute)
 
 MObject MFnTypedAttribute::create(const MString& l, const MString& b, MFnData::Type type, MObject value, MStatus* s)
 {
@@ -303,7 +303,7 @@ MStatus MFnTypedAttribute::getDefault(MObject& value) const
 
 // ---- unit --------------------------------------------------------------------------------------------------------
 
-MIRK_CONSTRUCTOR(MFnUnitAttribute, kUnitAttribute)
+MIRK_CONSTRUCTOR(MFnUnitAttribute, UnitAttribute)
 
 MObject MFnUnitAttribute::create(const MString& l, const MString& b, Type type, double value, MStatus* s)
 {
@@ -387,7 +387,7 @@ MStatus MFnUnitAttribute::setDefault(const MDistance& d) { return setDefault(d.a
 
 // ---- enum --------------------------------------------------------------------------------------------------------
 
-MIRK_CONSTRUCTOR(MFnEnumAttribute, kEnumAttribute)
+MIRK_CONSTRUCTOR(MFnEnumAttribute, EnumAttribute)
 
 MObject MFnEnumAttribute::create(const MString& l, const MString& b, short value, MStatus* s)
 {
@@ -484,7 +484,7 @@ MStatus MFnEnumAttribute::setDefault(const MString& name)
 
 // ---- matrix, message, compound, generic --------------------------------------------------------------------------
 
-MIRK_CONSTRUCTOR(MFnMatrixAttribute, kMatrixAttribute)
+MIRK_CONSTRUCTOR(MFnMatrixAttribute, MatrixAttribute)
 
 MObject MFnMatrixAttribute::create(const MString& l, const MString& b, Type type, MStatus* s)
 {
@@ -517,7 +517,7 @@ MStatus MFnMatrixAttribute::setDefault(const MFloatMatrix& m)
     return MS::kSuccess;
 }
 
-MIRK_CONSTRUCTOR(MFnMessageAttribute, kMessageAttribute)
+MIRK_CONSTRUCTOR(MFnMessageAttribute, MessageAttribute)
 
 MObject MFnMessageAttribute::create(const MString& l, const MString& b, MStatus* s)
 {
@@ -527,7 +527,7 @@ MObject MFnMessageAttribute::create(const MString& l, const MString& b, MStatus*
     return adopt(a, s);
 }
 
-MIRK_CONSTRUCTOR(MFnCompoundAttribute, kCompoundAttribute)
+MIRK_CONSTRUCTOR(MFnCompoundAttribute, CompoundAttribute)
 
 MObject MFnCompoundAttribute::create(const MString& l, const MString& b, MStatus* s)
 {
@@ -576,7 +576,7 @@ MObject MFnCompoundAttribute::child(unsigned index, MStatus* s) const
     return wrap(c);
 }
 
-MIRK_CONSTRUCTOR(MFnGenericAttribute, kGenericAttribute)
+MIRK_CONSTRUCTOR(MFnGenericAttribute, GenericAttribute)
 
 MObject MFnGenericAttribute::create(const MString& l, const MString& b, MStatus* s)
 {

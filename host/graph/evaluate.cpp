@@ -104,36 +104,44 @@ void markOutput(Cell& out)
             markOutput(*out.elements->cells[i]);
 }
 
-/// Every existing cell of an attribute, through all elements of the multis above it.
-template <class F>
-void eachCell(Node& node, const Attribute& a, F&& f)
+/// Appends every existing cell of an attribute, through all elements of the multis above it.
+void existingCells(Node& node, const Attribute& a, std::vector<Cell*>& out)
 {
     if (!a.hasArrayAncestor()) {
         if (Cell* c = node.cellIfAny(&a))
-            f(*c);
+            out.push_back(c);
         return;
     }
-    eachCell(node, *a.parent, [&](Cell& p) {
-        if (!p.isMulti()) {
-            if (Cell* c = p.childIfAny(a.childIndex))
-                f(*c);
-        } else if (p.elements) {
-            for (size_t i = 0; i < p.elements->cells.size(); ++i)
-                if (Cell* c = p.elements->cells[i]->childIfAny(a.childIndex))
-                    f(*c);
+    std::vector<Cell*> above;
+    existingCells(node, *a.parent, above);
+    for (Cell* p : above) {
+        if (!p->isMulti()) {
+            if (Cell* c = p->childIfAny(a.childIndex))
+                out.push_back(c);
+        } else if (p->elements) {
+            for (Cell* e : p->elements->cells)
+                if (Cell* c = e->childIfAny(a.childIndex))
+                    out.push_back(c);
         }
-    });
+    }
+}
+
+void markAll(Node& node, const Attribute& a)
+{
+    if (Cell* c = node.cellIfAny(&a)) {
+        markOutput(*c);
+    } else if (a.hasArrayAncestor()) {
+        std::vector<Cell*> cells;
+        existingCells(node, a, cells);
+        for (Cell* c : cells)
+            markOutput(*c);
+    }
 }
 
 void markSlots(Node& node, const std::vector<int>& slots)
 {
-    for (int slot : slots) {
-        const Attribute& a = *node.type->table[slot];
-        if (Cell* c = node.cells[slot])
-            markOutput(*c);
-        else if (a.hasArrayAncestor())
-            eachCell(node, a, markOutput);
-    }
+    for (int slot : slots)
+        markAll(node, *node.type->table[slot]);
 }
 
 void markAffectedBy(Node& node, const Attribute& a)
@@ -394,7 +402,7 @@ void dirtyOutputs(Node& node)
     const size_t base = queue.size();
     for (size_t slot = 0; slot < node.type->computed.size(); ++slot)
         if (node.type->computed[slot])
-            eachCell(node, *node.type->table[slot], markOutput);
+            markAll(node, *node.type->table[slot]);
     if (base)
         return;   // a caller that is spreading works the queue off
     while (!queue.empty()) {

@@ -22,11 +22,11 @@ constexpr double kPerSecond[] = {
     24000.0 / 1001, 30000.0 / 1001, 30000.0 / 1001, 48000.0 / 1001, 60000.0 / 1001, 44100, 48000, 90};
 static_assert(std::size(kPerSecond) == MTime::kUserDef);
 
-constexpr double kRadians[] = {1, 1, M_PI / 180, M_PI / (180 * 60), M_PI / (180 * 3600)};
-static_assert(std::size(kRadians) == MAngle::kLast);
+constexpr double kRadiansIn[] = {1, 1, M_PI / 180, M_PI / (180 * 60), M_PI / (180 * 3600)};
+static_assert(std::size(kRadiansIn) == MAngle::kLast);
 
-constexpr double kCentimetres[] = {1, 2.54, 30.48, 91.44, 160934.4, 0.1, 1, 100000, 100};
-static_assert(std::size(kCentimetres) == MDistance::kLast);
+constexpr double kCentimetresIn[] = {1, 2.54, 30.48, 91.44, 160934.4, 0.1, 1, 100000, 100};
+static_assert(std::size(kCentimetresIn) == MDistance::kLast);
 
 template <class U, size_t N>
 bool isUnit(U unit, const double (&)[N])
@@ -70,17 +70,17 @@ MStatus     MTime::setUIUnit(Unit unit) { return assign(unit, kPerSecond, timeUn
 bool        MTime::operator==(const MTime& other) const { return ticks(*this) == ticks(other); }
 bool        MTime::operator<(const MTime& other) const { return ticks(*this) < ticks(other); }
 
-double       MAngle::as(Unit unit) const { return convert(value_, unit_, unit, kRadians); }
-MStatus      MAngle::setUnit(Unit unit) { return assign(unit, kRadians, unit_); }
+double       MAngle::as(Unit unit) const { return convert(value_, unit_, unit, kRadiansIn); }
+MStatus      MAngle::setUnit(Unit unit) { return assign(unit, kRadiansIn, unit_); }
 MAngle::Unit MAngle::uiUnit() { return angleUnit; }
-MStatus      MAngle::setUIUnit(Unit unit) { return assign(unit, kRadians, angleUnit); }
+MStatus      MAngle::setUIUnit(Unit unit) { return assign(unit, kRadiansIn, angleUnit); }
 double       MAngle::internalToUI(double value) { return MAngle(value, internalUnit()).as(uiUnit()); }
 double       MAngle::uiToInternal(double value) { return MAngle(value, uiUnit()).as(internalUnit()); }
 
-double          MDistance::as(Unit unit) const { return convert(value_, unit_, unit, kCentimetres); }
-MStatus         MDistance::setUnit(Unit unit) { return assign(unit, kCentimetres, unit_); }
+double          MDistance::as(Unit unit) const { return convert(value_, unit_, unit, kCentimetresIn); }
+MStatus         MDistance::setUnit(Unit unit) { return assign(unit, kCentimetresIn, unit_); }
 MDistance::Unit MDistance::uiUnit() { return distanceUnit; }
-MStatus         MDistance::setUIUnit(Unit unit) { return assign(unit, kCentimetres, distanceUnit); }
+MStatus         MDistance::setUIUnit(Unit unit) { return assign(unit, kCentimetresIn, distanceUnit); }
 double          MDistance::internalToUI(double value) { return MDistance(value, internalUnit()).as(uiUnit()); }
 double          MDistance::uiToInternal(double value) { return MDistance(value, uiUnit()).as(internalUnit()); }
 

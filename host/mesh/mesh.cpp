@@ -4,7 +4,7 @@
 
 namespace mirk {
 
-Ref<Object> (*createMeshShape)(Ref<MeshData>, const MObject&) = nullptr;
+Ref<Object> (*createMeshShape)(Object*, Ref<MeshData>, Ref<Object>&) = nullptr;
 
 MeshBody::MeshBody()
     : points_(make<Buffer<float>>()), topology_(make<Topology>()), uvSets_(make<UVSets>()),
@@ -60,27 +60,88 @@ bool MeshBody::replacePoints(Ref<Buffer<float>> points)
     return true;
 }
 
-bool MeshBody::bakeMatrix()
+void MeshBody::bakeMatrix()
 {
     if (identity)
-        return true;
+        return;
     const SpaceMatrix space(matrix);
-    if (!space.invertible())
-        return false;
     float* p = writePoints();
     for (int i = 0; i < vertexCount(); ++i, p += 3)
         space.pointOut(p, p);
     if (locked_) {
         LockedNormals& l = detach(locked_);
-        for (F3& n : l.vertex)
+        for (Float3& n : l.vertex)
             n = space.normalOut(n);
-        for (F3& n : l.corner)
+        for (Float3& n : l.corner)
             n = space.normalOut(n);
     }
     identity = true;
     for (int i = 0; i < 4; ++i)
         for (int j = 0; j < 4; ++j)
             matrix[i][j] = i == j;
+}
+
+namespace {
+
+template <class T>
+Ref<Buffer<T>> grown(const Buffer<T>& from, size_t size, const T& fill)
+{
+    auto to = make<Buffer<T>>(from);
+    to->resize(size);
+    std::fill(to->begin() + from.size(), to->end(), fill);
+    return to;
+}
+
+template <class T>
+void grow(Buffer<T>& b, size_t size)
+{
+    const size_t old = b.size();
+    if (!old)
+        return;
+    b.resize(size);
+    std::fill(b.begin() + old, b.end(), T{});
+}
+
+}  // namespace
+
+bool MeshBody::append(const float* newPoints, int newVertices, const int* face, int size)
+{
+    const int vertices = vertexCount() + newVertices;
+    const size_t corners = size_t(cornerCount()) + size_t(size);
+    std::vector<int> counts(size_t(faceCount()) + 1, size), connects(topology_->connects().begin(), topology_->connects().end());
+    for (int f = 0; f < faceCount(); ++f)
+        counts[size_t(f)] = topology_->faceSize(f);
+    connects.insert(connects.end(), face, face + size);
+    Ref<Topology> topology = Topology::create(vertices, counts.data(), counts.size(), connects.data(), connects.size());
+    if (!topology)
+        return false;
+    dropSurface();
+    for (UVSet& s : detach(uvSets_).sets) {
+        s.derived = make<UVSet::Tables>();
+        if (s.ids)
+            s.ids = grown(*s.ids, corners, -1);
+    }
+    for (size_t i = 0; i < colorSets_->sets.size(); ++i) {
+        ColorSet& s = writeColorSet(int(i));
+        if (s.layout != ColorSet::kIndexed) {
+            toCornerColors(s);
+            s.table = grown(*s.table, corners, unsetColor);
+        } else if (s.ids) {
+            s.ids = grown(*s.ids, corners, -1);
+        }
+    }
+    topology_ = std::move(topology);
+    points_ = grown(*points_, size_t(vertices) * 3, 0.0f);
+    std::copy(newPoints, newPoints + size_t(newVertices) * 3, points_->end() - size_t(newVertices) * 3);
+    if (hard_)   // old edges keep their numbers
+        hard_ = grown(*hard_, size_t(edgeCount()), uint8_t(0));
+    if (locked_) {
+        LockedNormals& l = detach(locked_);
+        grow(l.vertex, size_t(vertices));
+        grow(l.vertexLocked, size_t(vertices));
+        grow(l.corner, corners);
+        grow(l.cornerLocked, corners);
+    }
     return true;
 }
 
@@ -121,19 +182,19 @@ bool MeshBody::normalLocked(int corner) const
 
 namespace {
 
-void makeRoom(Buffer<F3>& normals, Buffer<uint8_t>& flags, size_t n)
+void makeRoom(Buffer<Float3>& normals, Buffer<uint8_t>& flags, size_t n)
 {
     if (flags.size() == n)
         return;
     normals.resize(n);
     flags.resize(n);
-    std::fill(normals.begin(), normals.end(), F3{});
+    std::fill(normals.begin(), normals.end(), Float3{});
     std::fill(flags.begin(), flags.end(), uint8_t(0));
 }
 
 }  // namespace
 
-void MeshBody::lockVertexNormals(const F3* normals, const int* vertices, size_t count)
+void MeshBody::lockVertexNormals(const Float3* normals, const int* vertices, size_t count)
 {
     if (!count)
         return;
@@ -149,7 +210,7 @@ void MeshBody::lockVertexNormals(const F3* normals, const int* vertices, size_t 
     }
 }
 
-void MeshBody::lockCornerNormals(const F3* normals, const int* corners, size_t count)
+void MeshBody::lockCornerNormals(const Float3* normals, const int* corners, size_t count)
 {
     if (!count)
         return;

@@ -14,25 +14,23 @@
 #include "data/data.h"
 #include "mesh/lazy.h"
 #include "mesh/topology.h"
-
-class MObject;
+#include "mesh/vector3.h"
 
 namespace mirk {
 
-struct F2 { float u, v; };
 
 /// Normals of the corners: a table of distinct normals and one index into it a corner.
 struct CornerNormals : Counted<CornerNormals>
 {
-    Buffer<F3>  table;
+    Buffer<Float3>  table;
     Buffer<int> ids;
-    const F3& at(int corner) const { return table[ids[corner]]; }
+    const Float3& at(int corner) const { return table[ids[corner]]; }
 };
 
 /// Unit tangents and binormals of the corners; zero where the UVs are missing or degenerate.
 struct Tangents : Counted<Tangents>
 {
-    Buffer<F3> tangents, binormals;
+    Buffer<Float3> tangents, binormals;
 };
 
 struct UVSet
@@ -40,7 +38,7 @@ struct UVSet
     struct Tables : Counted<Tables> { Lazy<Lists> ofVertex; };
 
     std::string      name;
-    Ref<Buffer<F2>>  uvs = make<Buffer<F2>>();
+    Ref<Buffer<Float2>>  uvs = make<Buffer<Float2>>();
     Ref<Buffer<int>> ids;                   ///< one a corner, -1 unassigned; null while nothing is assigned
     Ref<Tables>      derived = make<Tables>();
 
@@ -99,9 +97,12 @@ struct ColorSets : Counted<ColorSets>
 /// Normals set by hand, which points do not change. Buffers are empty or have one entry a vertex or corner.
 struct LockedNormals : Counted<LockedNormals>
 {
-    Buffer<F3>      vertex, corner;              ///< a corner's normal wins over its vertex's
+    Buffer<Float3>      vertex, corner;              ///< a corner's normal wins over its vertex's
     Buffer<uint8_t> vertexLocked, cornerLocked;
 };
+
+/// Normal of a face with the area of its projection as length.
+Vec3 areaVector(const Topology& topology, const float* points, int face);
 
 class MeshBody : public GeometryBody
 {
@@ -133,16 +134,20 @@ public:
     }
     /// Other points, as many as there are; they may be shared with others.
     bool replacePoints(Ref<Buffer<float>> points);
-    /// Points and locked normals go through the body's matrix, which becomes the identity. False if it is singular.
-    bool bakeMatrix();
+    /// Adds vertices and one face over old and new ones; what hangs on the rest stays. False if the face is malformed.
+    bool append(const float* newPoints, int newVertices, const int* face, int size);
+    /// Points and locked normals go through the body's matrix, which becomes the identity.
+    void bakeMatrix();
 
     // what follows from points and faces; unit length, zero where degenerate
-    const Buffer<F3>&  faceNormals() const;
+    const Buffer<Float3>&  faceNormals() const;
     const Buffer<int>& triangles() const;                        ///< three corners each, see triangulate()
     /// Mean of the normals of a vertex's faces, plain or weighted by their angles; of a locked vertex its own.
-    const Buffer<F3>&  vertexNormals(bool angleWeighted) const;
+    const Buffer<Float3>&  vertexNormals(bool angleWeighted) const;
     /// Smooth across smooth edges (weighted by angle), split at hard ones; locked ones as they are.
     const CornerNormals& cornerNormals() const;
+    bool vertexNormalsBuilt() const { return locked_ ? shading_->vertices.built() : surface_->vertexNormals.built(); }
+    bool cornerNormalsBuilt() const { return shading_->corners.built(); }
     /// For a UV set that exists.
     const Tangents&    tangents(int uvSet) const;
     /// Box of all points as min xyz, max xyz; all zero for an empty mesh.
@@ -158,8 +163,8 @@ public:
     // locked normals, in object space
     const LockedNormals* locked() const { return locked_.get(); }
     bool normalLocked(int corner) const;
-    void lockVertexNormals(const F3* normals, const int* vertices, size_t count);   ///< vertices exist
-    void lockCornerNormals(const F3* normals, const int* corners, size_t count);    ///< corners exist
+    void lockVertexNormals(const Float3* normals, const int* vertices, size_t count);   ///< vertices exist
+    void lockCornerNormals(const Float3* normals, const int* corners, size_t count);    ///< corners exist
     void unlockVertices(const int* vertices, size_t count);
     void unlockCorners(const int* corners, size_t count);
 
@@ -189,7 +194,7 @@ public:
 private:
     struct Surface : Counted<Surface>
     {
-        Lazy<Buffer<F3>>  faceNormals, vertexNormals, vertexNormalsWeighted;
+        Lazy<Buffer<Float3>>  faceNormals, vertexNormals, vertexNormalsWeighted;
         Lazy<Buffer<int>> triangles;
         bool built() const
         {
@@ -199,7 +204,7 @@ private:
     struct Shading : Counted<Shading>
     {
         Lazy<CornerNormals> corners;
-        Lazy<Buffer<F3>>    vertices, verticesWeighted;   // with locked ones
+        Lazy<Buffer<Float3>>    vertices, verticesWeighted;   // with locked ones
         bool built() const { return corners.built() || vertices.built() || verticesWeighted.built(); }
     };
     struct TangentCache : Counted<TangentCache>
@@ -221,7 +226,7 @@ private:
     void dropShading() { drop(shading_); dropTangents(); }
     void dropTangents() { drop(tangents_); }
     Ref<CornerNormals> buildCornerNormals() const;
-    Ref<Buffer<F3>>    vertexNormalsWithLocks(bool angleWeighted) const;
+    Ref<Buffer<Float3>>    vertexNormalsWithLocks(bool angleWeighted) const;
     Ref<Tangents>      buildTangents(const UVSet& set) const;
     void toCornerColors(ColorSet& set);
 
@@ -265,8 +270,9 @@ protected:
     ~MeshSource() = default;
 };
 
-/// Makes a mesh shape (below `parent`, or below a new transform if that is null) and gives what MFnMesh::create
-/// returns: the new transform, or the shape if there was a parent. Set by the DAG; null where there is none.
-extern Ref<Object> (*createMeshShape)(Ref<MeshData> mesh, const MObject& parent);
+/// How a mesh shape is made under a transform: given the parent (null for a new one) and the mesh, returns the node that
+/// MFnMesh::create is to return and hands the shape out, or null if the parent is no transform. Set by the DAG; null
+/// without one.
+extern Ref<Object> (*createMeshShape)(Object* parent, Ref<MeshData> mesh, Ref<Object>& shape);
 
 }  // namespace mirk

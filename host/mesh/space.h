@@ -1,6 +1,6 @@
 // Taking points and normals through a matrix and back. Row vectors: p * M; normals go through the inverse transpose.
 #pragma once
-#include "data/data.h"
+#include "mesh/vector3.h"
 
 namespace mirk {
 
@@ -10,10 +10,10 @@ public:
     /// The identity, which costs nothing.
     SpaceMatrix() = default;
     explicit SpaceMatrix(const double m[4][4]);
+    static const SpaceMatrix identity;
 
     bool active() const { return active_; }
     bool invertible() const { return invertible_; }
-    double scaleSign() const { return sign_; }
 
     // out: from object space; in: back to it. With a singular matrix nothing is taken back.
     template <class A, class B>
@@ -21,10 +21,10 @@ public:
     template <class A, class B>
     void pointIn(const A* from, B* to) const { active_ ? through(inverse_, from, to) : same(from, to); }
     /// Directions, tangents for one: without the translation, of the length they had.
-    F3 directionOut(const F3& d) const { return active_ ? keepLength(d, times(m_, d, false)) : d; }
+    Float3 directionOut(const Float3& d) const { return active_ ? keepLength(d, times(m_, d, false)) : d; }
     /// A normal keeps its length.
-    F3 normalOut(const F3& n) const { return active_ ? keepLength(n, times(inverse_, n, true)) : n; }
-    F3 normalIn(const F3& n) const { return active_ ? keepLength(n, times(m_, n, true)) : n; }
+    Float3 normalOut(const Float3& n) const { return active_ ? keepLength(n, times(inverse_, n, true)) : n; }
+    Float3 normalIn(const Float3& n) const { return active_ ? keepLength(n, times(m_, n, true)) : n; }
 
 private:
     using Matrix = double[4][4];
@@ -41,11 +41,10 @@ private:
         for (int k = 0; k < 3; ++k)
             to[k] = B(x * m[0][k] + y * m[1][k] + z * m[2][k] + m[3][k]);
     }
-    static F3 times(const Matrix& m, const F3& v, bool transposed);
-    static F3 keepLength(const F3& from, const F3& to);
+    static Float3 times(const Matrix& m, const Float3& v, bool transposed);
+    static Float3 keepLength(const Float3& from, const Float3& to);
 
     bool   active_ = false, invertible_ = true;
-    double sign_ = 1;
     Matrix m_ = {}, inverse_ = {};
 };
 

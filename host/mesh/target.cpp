@@ -42,20 +42,18 @@ void MeshTarget::changed()
         source_->meshChanged();
 }
 
-const SpaceMatrix& MeshTarget::matrix(MSpace::Space space, const MeshBody& body)
+const SpaceMatrix& MeshTarget::worldMatrix(const MeshBody& body)
 {
-    static const SpaceMatrix none;
-    if (space != MSpace::kWorld)
-        return none;
-    double now[4][4];
-    if (world_)
-        world_->get(now);
-    else if (data_ && data_->transformed && !body.identity)
-        std::memcpy(now, body.matrix, sizeof now);
-    else
-        return none;
-    if (!hasSeen_ || std::memcmp(now, seen_, sizeof now) != 0) {
-        std::memcpy(seen_, now, sizeof now);
+    double path[4][4];
+    const double (*now)[4] = body.matrix;
+    if (world_) {
+        world_->get(path);
+        now = path;
+    } else if (!data_ || !data_->transformed || body.identity) {
+        return SpaceMatrix::identity;
+    }
+    if (!hasSeen_ || std::memcmp(now, seen_, sizeof seen_) != 0) {
+        std::memcpy(seen_, now, sizeof seen_);
         space_ = SpaceMatrix(now);
         hasSeen_ = true;
     }

@@ -8,6 +8,8 @@
 #include "mesh/mesh.h"
 #include "mesh/space.h"
 
+class MDagPath;
+
 namespace mirk {
 
 /// The matrix that stands between object and world space. A path's changes with the scene.
@@ -29,12 +31,17 @@ public:
     MeshBody* write();
     void      changed();
     /// From object space to `space`: the path's matrix, or that of transformed data. Other spaces are object space.
-    const SpaceMatrix& matrix(MSpace::Space space, const MeshBody& body);
+    const SpaceMatrix& matrix(MSpace::Space space, const MeshBody& body)
+    {
+        return space == MSpace::kWorld ? worldMatrix(body) : SpaceMatrix::identity;
+    }
     /// The data object the last read or write gave.
     MeshData* data() const { return data_.get(); }
     bool isNode() const { return source_ != nullptr; }
 
 private:
+    const SpaceMatrix& worldMatrix(const MeshBody& body);
+
     MObject        object_;   // keeps the node
     MeshSource*    source_ = nullptr;
     Ref<MeshData>  data_;
@@ -43,5 +50,8 @@ private:
     bool           hasSeen_ = false;
     SpaceMatrix    space_;
 };
+
+/// The mesh at the end of a DAG path; null if there is none.
+std::shared_ptr<MeshTarget> meshAlong(const MDagPath& path);
 
 }  // namespace mirk

@@ -79,6 +79,8 @@ private:
 /// Triangles of the faces: face f has those from `first(f) - 2 f` on, faceSize - 2 of them, three corners each.
 /// Convex faces are fans around their first vertex; others are cut at ears in the plane of the face.
 Ref<Buffer<int>> triangulate(const Topology& topology, const float* points);
+/// True if no corner of the face turns inward. Points of the face exist.
+bool convexFace(const Topology& topology, const float* points, int face);
 inline int firstTriangle(const Topology& t, int face) { return t.first(face) - 2 * face; }
 
 }  // namespace mirk

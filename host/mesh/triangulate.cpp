@@ -98,6 +98,13 @@ private:
 
 }  // namespace
 
+bool convexFace(const Topology& t, const float* points, int face)
+{
+    Polygon polygon;
+    polygon.load(t.face(face), points);
+    return polygon.convex();
+}
+
 Ref<Buffer<int>> triangulate(const Topology& t, const float* points)
 {
     auto result = make<Buffer<int>>(size_t(t.cornerCount() - 2 * t.faceCount()) * 3);

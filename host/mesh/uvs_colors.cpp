@@ -40,14 +40,14 @@ const Lists& UVSet::ofVertex(const Topology& t) const
         auto lists = make<Lists>();
         lists->first.resize(size_t(t.vertexCount()) + 1);
         lists->first[0] = 0;
+        Buffer<int> lastVertex(uvs->size(), -1);
         for (int v = 0; v < t.vertexCount(); ++v) {
-            const size_t begin = lists->items.size();
             if (ids)
-                for (int c : t.vertexCorners()[v]) {
-                    const int id = (*ids)[c];
-                    if (id >= 0 && std::find(lists->items.begin() + begin, lists->items.end(), id) == lists->items.end())
+                for (int c : t.vertexCorners()[v])
+                    if (const int id = (*ids)[c]; id >= 0 && lastVertex[id] != v) {
                         lists->items.push(id);
-                }
+                        lastVertex[id] = v;
+                    }
             lists->first[size_t(v) + 1] = int(lists->items.size());
         }
         return lists;

@@ -32,6 +32,7 @@ public:
 
 private:
     friend struct mirk::HandleAccess;
+    friend class MArrayDataHandle;
     mirk::Cell* cell_ = nullptr;              // the multi itself, or `fresh_`
     std::shared_ptr<mirk::Cell> fresh_;
 };

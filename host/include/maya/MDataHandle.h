@@ -2,6 +2,7 @@
 #include <maya/MFnData.h>
 #include <maya/MFnNumericData.h>
 #include <maya/MObject.h>
+#include <maya/MTypeId.h>
 #include <maya/MTypes.h>
 
 class MAngle;

@@ -36,7 +36,6 @@ public:
     inline MFloatVector operator-(const MFloatPoint& o) const;
     inline MFloatPoint operator-(const MFloatVector& v) const;
     inline MFloatPoint operator+(const MFloatVector& v) const;
-    inline MFloatPoint operator+(const MFloatPoint& o) const;
     inline MFloatPoint& operator+=(const MFloatVector& v);
     inline MFloatPoint& operator-=(const MFloatVector& v);
     MFloatPoint  operator*(float s) const { return {x * s, y * s, z * s, w}; }

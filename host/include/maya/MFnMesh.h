@@ -44,7 +44,7 @@ public:
     using MFnBase::object;
     MStatus setObject(MObject& object) override;
     MStatus setObject(const MObject& object) override;
-    virtual MStatus setObject(const MDagPath& path);
+    MStatus setObject(const MDagPath& path);
 
     // Creation. `parentOrOwner`: mesh data that takes the mesh; a transform to put a new shape under; null for a new
     // transform with a shape, which is then returned. Faces are given as vertex counts and concatenated vertex ids.

@@ -36,7 +36,6 @@ public:
     inline MVector operator-(const MPoint& o) const;
     inline MPoint operator-(const MVector& v) const;
     inline MPoint operator+(const MVector& v) const;
-    inline MPoint operator+(const MPoint& o) const;
     inline MPoint& operator+=(const MVector& v);
     inline MPoint& operator-=(const MVector& v);
     MPoint  operator*(double s) const { return {x * s, y * s, z * s, w}; }

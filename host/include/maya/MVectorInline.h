@@ -19,7 +19,6 @@ inline MPoint::MPoint(const MFloatPoint& p) : x(double(p.x)), y(double(p.y)), z(
 inline MVector MPoint::operator-(const MPoint& o) const { return {x - o.x, y - o.y, z - o.z}; }
 inline MPoint MPoint::operator-(const MVector& v) const { return {x - v.x, y - v.y, z - v.z, w}; }
 inline MPoint MPoint::operator+(const MVector& v) const { return {x + v.x, y + v.y, z + v.z, w}; }
-inline MPoint MPoint::operator+(const MPoint& o) const { return {x + o.x, y + o.y, z + o.z, w}; }
 inline MPoint& MPoint::operator+=(const MVector& v) { x += v.x; y += v.y; z += v.z; return *this; }
 inline MPoint& MPoint::operator-=(const MVector& v) { x -= v.x; y -= v.y; z -= v.z; return *this; }
 inline double MPoint::distanceTo(const MPoint& other) const { return (*this - other).length(); }
@@ -31,7 +30,6 @@ inline MFloatPoint::MFloatPoint(const MPoint& p) : x(float(p.x)), y(float(p.y)),
 inline MFloatVector MFloatPoint::operator-(const MFloatPoint& o) const { return {x - o.x, y - o.y, z - o.z}; }
 inline MFloatPoint MFloatPoint::operator-(const MFloatVector& v) const { return {x - v.x, y - v.y, z - v.z, w}; }
 inline MFloatPoint MFloatPoint::operator+(const MFloatVector& v) const { return {x + v.x, y + v.y, z + v.z, w}; }
-inline MFloatPoint MFloatPoint::operator+(const MFloatPoint& o) const { return {x + o.x, y + o.y, z + o.z, w}; }
 inline MFloatPoint& MFloatPoint::operator+=(const MFloatVector& v) { x += v.x; y += v.y; z += v.z; return *this; }
 inline MFloatPoint& MFloatPoint::operator-=(const MFloatVector& v) { x -= v.x; y -= v.y; z -= v.z; return *this; }
 inline float MFloatPoint::distanceTo(const MFloatPoint& other) const { return (*this - other).length(); }

@@ -1,0 +1,23 @@
+# Checks of the repository itself, run by ctest beside the tests.
+add_test(NAME check.PluginIncludes
+  COMMAND "${CMAKE_COMMAND}" "-DROOT=${CMAKE_SOURCE_DIR}" -P "${CMAKE_SOURCE_DIR}/cmake/checks/Includes.cmake")
+add_test(NAME check.HostSdk
+  COMMAND "${CMAKE_COMMAND}" "-DROOT=${CMAKE_SOURCE_DIR}" "-DBUILD=${CMAKE_BINARY_DIR}" "-DTYPE=${CMAKE_BUILD_TYPE}"
+          "-DSANITIZE=${MIRK_SANITIZE}" "-DCXX=${CMAKE_CXX_COMPILER}" -P "${CMAKE_SOURCE_DIR}/cmake/checks/Sdk.cmake")
+set_tests_properties(check.HostSdk PROPERTIES TIMEOUT 900)
+add_test(NAME check.NodeTable
+  COMMAND "${CMAKE_COMMAND}" "-DMIRK=$<TARGET_FILE:mirk>" "-DLIST=${CMAKE_SOURCE_DIR}/tests/plugin/nodes.tsv"
+          -P "${CMAKE_SOURCE_DIR}/cmake/checks/NodeTable.cmake")
+
+# loading seen from inside a session, in both modes; each has an empty tools' directory of its own
+foreach(mode batch interactive)
+  set(directory "${CMAKE_BINARY_DIR}/tools-${mode}")
+  file(REMOVE_RECURSE "${directory}")
+  file(MAKE_DIRECTORY "${directory}")
+  set(flag "")
+  if(mode STREQUAL "interactive")
+    set(flag --interactive)
+  endif()
+  add_test(NAME plugin.Load.${mode} COMMAND mirk run ${flag} "${CMAKE_SOURCE_DIR}/tests/plugin/load_test.py")
+  set_tests_properties(plugin.Load.${mode} PROPERTIES ENVIRONMENT "MIRK_SCRIPT_PATH=${directory}")
+endforeach()

@@ -1,0 +1,665 @@
+#include "mel/machine.h"
+
+#include <cmath>
+#include <new>
+#include <optional>
+
+#include "command/value_text.h"
+#include "mel/dynamic.h"
+#include "mel/interpreter.h"
+#include "mel/native.h"
+#include "mel/symbols.h"
+
+namespace mirk::mel {
+
+using command::Error;
+using command::intFromDouble;
+
+namespace {
+
+constexpr size_t kStackSlots = size_t(1) << 22;   // 32 MB, mapped as it is used
+constexpr size_t kMaxFrames = 50000;
+constexpr int    kMaxDepth = 100;                 // entries from outside use the native stack
+
+int32_t wrap(int64_t v) { return int32_t(uint32_t(uint64_t(v))); }
+double  length(const Vec3& v) { return std::sqrt(v.x * v.x + v.y * v.y + v.z * v.z); }
+
+[[noreturn]] void divideByZero() { throw Error("Divide by zero."); }
+
+}  // namespace
+
+Machine& machine()
+{
+    static Machine* one = new Machine;   // a frame may still be unwinding while the process ends
+    return *one;
+}
+
+Machine::Machine() : stack_(new Slot[kStackSlots]), top_(stack_.get()), end_(top_ + kStackSlots) {}
+Machine::~Machine() = default;
+
+// ---- frames
+
+void Machine::push(std::shared_ptr<const Function> f)
+{
+    const size_t need = f->start.size();
+    if (frames_.size() >= kMaxFrames || size_t(end_ - top_) < need)
+        throw Error("Stack overflow: procedures call each other too deeply.");
+    Slot* base = top_;
+    std::copy(f->start.begin(), f->start.end(), base);
+    top_ += need;
+    const Function& fn = *f;
+    frames_.push_back({std::move(f), base, fn.code.data()});
+    if (!fn.bound.empty())
+        readGlobals(frames_.back());
+}
+
+void Machine::pop()
+{
+    const Frame& f = frames_.back();
+    for (uint16_t r : f.function->heap)
+        release(f.base[r].p);
+    top_ = f.base;
+    frames_.pop_back();
+}
+
+void Machine::writeGlobals(Frame& f)
+{
+    if (f.written)
+        return;
+    f.written = true;
+    for (const Bound& b : f.function->bound)
+    {
+        if (!b.written || isArray(b.type))
+            continue;
+        Slot* from = f.base + b.reg;
+        if (b.global->type != b.type)
+            fromValue(toValue(b.type, from), b.global->type, b.global->value);
+        else if (isHeap(b.type))
+            put(b.global->value[0], from->p);
+        else
+            std::copy(from, from + width(b.type), b.global->value);
+    }
+}
+
+void Machine::readGlobals(Frame& f)
+{
+    f.written = false;
+    for (const Bound& b : f.function->bound)
+    {
+        Slot* to = f.base + b.reg;
+        if (b.global->type != b.type)
+            fromValue(toValue(b.global->type, b.global->value), b.type, to);
+        else if (isHeap(b.type))
+            put(*to, b.global->value[0].p);
+        else
+            std::copy(b.global->value, b.global->value + width(b.type), to);
+    }
+}
+
+// ---- entering
+
+Value Machine::call(std::shared_ptr<const Function> f, std::span<const Value> args)
+{
+    if (depth >= kMaxDepth)
+        throw Error("Stack overflow: scripts run each other too deeply.");
+    const size_t bottom = frames_.size();
+    struct Level
+    {
+        explicit Level(int& d) : d(d) { ++d; }
+        ~Level() { --d; }
+        int& d;
+    } level(depth);
+    const Function& fn = *f;
+    if (args.size() != fn.params.size())
+        throw Error("Wrong number of arguments on call to " + fn.name + ".");
+    Value result;
+    push(std::move(f));
+    try
+    {
+        for (size_t k = 0; k < args.size(); ++k)
+            fromValue(args[k], fn.params[k].first, frames_.back().base + fn.params[k].second);
+    }
+    catch (...)
+    {
+        pop();
+        throw;
+    }
+    run(bottom, result);
+    return result;
+}
+
+Value Machine::callByName(const std::string& name, std::span<const Value> args)
+{
+    if (const Function* f = symbols().defined(name))
+    {
+        for (ProcSlot* slot : {symbols().findInteractive(name), symbols().findProc(name)})
+            if (slot && slot->function.get() == f)
+                return call(slot->function, args);
+    }
+    if (command::find(name))
+        return command::execute(name, args);
+    if (findScript && findScript(name))
+        if (const ProcSlot* slot = symbols().findProc(name); slot && slot->function)
+            return call(slot->function, args);
+    throw Error("Cannot find procedure \"" + name + "\".");
+}
+
+Value Machine::callDynamic(const Site& site, Slot* registers)
+{
+    std::vector<Value> args;
+    args.reserve(site.args.size());
+    for (const Site::Arg& a : site.args)
+        args.push_back(toValue(a.type, registers + a.reg));
+    return callByName(site.name, args);
+}
+
+/// A procedure that changed its signature since the caller was compiled, or that is gone.
+void Machine::callSlow(const Site& site, Slot* registers, uint16_t out)
+{
+    Value v;
+    if (site.proc->function)
+    {
+        std::vector<Value> args;
+        for (const Site::Arg& a : site.args)
+            args.push_back(toValue(a.type, registers + a.reg));
+        v = call(site.proc->function, args);
+    }
+    else
+        v = callDynamic(site, registers);
+    if (site.result != Type::kVoid)
+        fromValue(std::move(v), site.result, registers + out);
+}
+
+void Machine::callProc(const Site& site, Frame& caller)
+{
+    const Function& fn = *site.proc->function;
+    Slot* const     from = caller.base;
+    push(site.proc->function);
+    Slot* const to = frames_.back().base;
+    for (size_t k = 0; k < site.args.size(); ++k)
+    {
+        const auto [type, reg] = fn.params[k];
+        Slot* a = from + site.args[k].reg;
+        if (isArray(type))
+        {
+            // by reference: the same object
+            switch (type)
+            {
+            case Type::kInts:    object<IntArray>(*a); break;
+            case Type::kFloats:  object<FloatArray>(*a); break;
+            case Type::kVectors: object<VectorArray>(*a); break;
+            default:             object<StringArray>(*a); break;
+            }
+            put(to[reg], a->p);
+        }
+        else if (isHeap(type))
+            put(to[reg], a->p);
+        else
+            std::copy(a, a + width(type), to + reg);
+    }
+}
+
+// ---- errors
+
+/// Finds who catches the error that is in flight, and puts it to the right place; otherwise removes the frames down to
+/// `bottom` and throws on.
+void Machine::handle(size_t bottom)
+{
+    bool                 stop = false;
+    std::optional<ScriptError> error;
+    const Frame&         f = frames_.back();
+    const size_t         at = size_t(f.ip - f.function->code.data());
+    const auto located = [&](const std::string& text) { return errorAt(*f.function->source, f.function->offsets[at], text); };
+    try
+    {
+        throw;
+    }
+    catch (const ScriptError& e)
+    {
+        error = e;
+        stop = e.interrupted;
+    }
+    catch (const std::bad_alloc&)
+    {
+        error = located("Out of memory.");
+    }
+    catch (const std::exception& e)
+    {
+        error = located(e.what());
+    }
+    for (; frames_.size() > bottom; pop())
+    {
+        Frame&       frame = frames_.back();
+        const size_t pc = size_t(frame.ip - frame.function->code.data());
+        try
+        {
+            writeGlobals(frame);
+        }
+        catch (const std::exception&)
+        {
+            // a variable that was declared anew as another type meanwhile keeps its newer value
+        }
+        if (stop)
+            continue;
+        for (const Handler& h : frame.function->handlers)
+            if (pc >= h.from && pc < h.to)
+            {
+                readGlobals(frame);
+                frame.base[h.result].i = 1;
+                frame.ip = frame.function->code.data() + h.target;
+                if (!h.quiet)
+                    message(Severity::kError, error->what());
+                return;
+            }
+    }
+    throw *error;
+}
+
+void Machine::run(size_t bottom, Value& result)
+{
+    for (;;)
+    {
+        try
+        {
+            execute(bottom, result);
+            return;
+        }
+        catch (...)
+        {
+            handle(bottom);
+        }
+    }
+}
+
+void Machine::checkInterrupt()
+{
+    if (!interruptFlag.exchange(false))
+        return;
+    const Frame& f = frames_.back();
+    ScriptError  e = errorAt(*f.function->source, f.function->offsets[size_t(f.ip - f.function->code.data())], "Interrupted.");
+    e.interrupted = true;
+    throw e;
+}
+
+// ---- the loop
+
+// Every instruction that can throw or call stores its place in the frame first (SAVE).
+void Machine::execute(size_t bottom, Value& result)
+{
+    static const void* const labels[] = {
+#define X(name) &&L_##name,
+        MIRK_MEL_OPS(X)
+#undef X
+    };
+
+    const Instr* ip;
+    Slot*        r;
+    const Instr* code;
+    const Site*  sites;
+
+#define LOAD_FRAME()                                  \
+    do                                                \
+    {                                                 \
+        const Frame& f_ = frames_.back();             \
+        ip = f_.ip;                                   \
+        r = f_.base;                                  \
+        code = f_.function->code.data();              \
+        sites = f_.function->sites.data();            \
+    } while (0)
+#define A r[ip->a]
+#define B r[ip->b]
+#define C r[ip->c]
+#define SAVE() (frames_.back().ip = ip)
+#define GO() goto* labels[ip->op]
+#define NEXT()   \
+    do           \
+    {            \
+        ++ip;    \
+        GO();    \
+    } while (0)
+#define JUMP()                                                                        \
+    do                                                                                \
+    {                                                                                 \
+        const Instr* to_ = code + ip->i;                                              \
+        if (to_ <= ip && interruptFlag.load(std::memory_order_relaxed)) [[unlikely]]  \
+        {                                                                             \
+            SAVE();                                                                   \
+            checkInterrupt();                                                         \
+        }                                                                             \
+        ip = to_;                                                                     \
+        GO();                                                                         \
+    } while (0)
+#define JUMP_IF(test) \
+    do                \
+    {                 \
+        if (test)     \
+            JUMP();   \
+        NEXT();       \
+    } while (0)
+
+    LOAD_FRAME();
+    GO();
+
+L_MOV:  A = B; NEXT();
+L_MOVV: putVec(&A, vec(&B)); NEXT();
+L_MOVS: put(A, B.p); NEXT();
+
+L_I2F:  A.d = B.i; NEXT();
+L_F2I:  A.i = intFromDouble(B.d); NEXT();
+L_V2F:  A.d = length(vec(&B)); NEXT();
+L_F2V:  { const double d = B.d; putVec(&A, {d, d, d}); } NEXT();
+L_I2S:  put(A, new Str(std::to_string(B.i))); NEXT();
+L_F2S:  put(A, new Str(command::numberText(B.d))); NEXT();
+L_V2S:  put(A, new Str(command::vectorText(vec(&B)))); NEXT();
+L_S2F:  A.d = command::leadingNumber(text(B)); NEXT();
+L_FTOB: A.i = B.d != 0; NEXT();
+L_VTOB: { const Vec3 v = vec(&B); A.i = v.x != 0 || v.y != 0 || v.z != 0; } NEXT();
+L_TOD:
+{
+    Slot box{};
+    box.p = nullptr;
+    fromValue(toValue(Type(ip->i), &B), Type::kDyn, &box);
+    put(A, box.p);
+    release(box.p);
+    NEXT();
+}
+L_FROMD:
+{
+    SAVE();
+    Dyn& from = object<Dyn>(B);
+    if (ip->c && from.refs == 1)
+        fromValue(std::move(from.v), Type(ip->i), &A);   // a temporary: its buffer moves on
+    else
+        fromValue(from.v, Type(ip->i), &A);
+    NEXT();
+}
+L_D2B:  { const bool b = dynValue(B).asBool(); A.i = b; } NEXT();
+L_CONV: SAVE(); fromValue(toValue(Type(ip->c), &B), Type(ip->i), &A); NEXT();
+
+L_ADDI: A.i = wrap(int64_t(B.i) + C.i); NEXT();
+L_SUBI: A.i = wrap(int64_t(B.i) - C.i); NEXT();
+L_MULI: A.i = wrap(int64_t(B.i) * C.i); NEXT();
+L_DIVI: if (C.i == 0) [[unlikely]] { SAVE(); divideByZero(); } A.i = wrap(int64_t(B.i) / C.i); NEXT();
+L_MODI: if (C.i == 0) [[unlikely]] { SAVE(); divideByZero(); } A.i = wrap(int64_t(B.i) % C.i); NEXT();
+L_NEGI: A.i = wrap(-int64_t(B.i)); NEXT();
+L_NOTI: A.i = B.i == 0; NEXT();
+L_INCI: A.i = wrap(int64_t(A.i) + ip->i); NEXT();
+
+L_ADDF: A.d = B.d + C.d; NEXT();
+L_SUBF: A.d = B.d - C.d; NEXT();
+L_MULF: A.d = B.d * C.d; NEXT();
+L_DIVF: if (C.d == 0) [[unlikely]] { SAVE(); divideByZero(); } A.d = B.d / C.d; NEXT();
+L_MODF: if (C.d == 0) [[unlikely]] { SAVE(); divideByZero(); } A.d = std::fmod(B.d, C.d); NEXT();
+L_NEGF: A.d = -B.d; NEXT();
+L_NOTF: A.i = B.d == 0; NEXT();
+
+L_ADDV: { const Vec3 u = vec(&B), v = vec(&C); putVec(&A, {u.x + v.x, u.y + v.y, u.z + v.z}); } NEXT();
+L_SUBV: { const Vec3 u = vec(&B), v = vec(&C); putVec(&A, {u.x - v.x, u.y - v.y, u.z - v.z}); } NEXT();
+L_MULVF: { const Vec3 u = vec(&B); const double s = C.d; putVec(&A, {u.x * s, u.y * s, u.z * s}); } NEXT();
+L_DIVVF:
+{
+    const Vec3   u = vec(&B);
+    const double s = C.d;
+    if (s == 0)
+    {
+        SAVE();
+        divideByZero();
+    }
+    putVec(&A, {u.x / s, u.y / s, u.z / s});
+    NEXT();
+}
+L_DOTV: { const Vec3 u = vec(&B), v = vec(&C); A.d = u.x * v.x + u.y * v.y + u.z * v.z; } NEXT();
+L_CROSSV: { const Vec3 u = vec(&B), v = vec(&C); putVec(&A, {u.y * v.z - u.z * v.y, u.z * v.x - u.x * v.z, u.x * v.y - u.y * v.x}); } NEXT();
+L_BINV: SAVE(); putVec(&A, vectorArithmetic(Op(ip->i), vec(&B), vec(&C))); NEXT();
+L_NEGV: { const Vec3 u = vec(&B); putVec(&A, {-u.x, -u.y, -u.z}); } NEXT();
+L_MKV:  { const Vec3 v{B.d, C.d, r[ip->i].d}; putVec(&A, v); } NEXT();
+
+L_CONCAT:
+{
+    const std::string &l = text(B), &m = text(C);
+    Str*               s = new Str;
+    s->s.reserve(l.size() + m.size());
+    s->s.append(l).append(m);
+    put(A, s);
+    NEXT();
+}
+L_APPEND:
+{
+    if (A.p && A.p->refs == 1)
+        static_cast<Str*>(A.p)->s += text(B);
+    else
+        put(A, new Str(text(A) + text(B)));
+    NEXT();
+}
+
+L_EQI: A.i = B.i == C.i; NEXT();
+L_NEI: A.i = B.i != C.i; NEXT();
+L_LTI: A.i = B.i < C.i; NEXT();
+L_LEI: A.i = B.i <= C.i; NEXT();
+L_EQF: A.i = B.d == C.d; NEXT();
+L_NEF: A.i = B.d != C.d; NEXT();
+L_LTF: A.i = B.d < C.d; NEXT();
+L_LEF: A.i = B.d <= C.d; NEXT();
+L_EQS: A.i = text(B) == text(C); NEXT();
+L_NES: A.i = text(B) != text(C); NEXT();
+L_LTS: A.i = text(B) < text(C); NEXT();
+L_LES: A.i = text(B) <= text(C); NEXT();
+L_EQV: { const Vec3 u = vec(&B), v = vec(&C); A.i = u.x == v.x && u.y == v.y && u.z == v.z; } NEXT();
+L_NEV: { const Vec3 u = vec(&B), v = vec(&C); A.i = !(u.x == v.x && u.y == v.y && u.z == v.z); } NEXT();
+
+L_JMP:   JUMP();
+L_JZ:    JUMP_IF(A.i == 0);
+L_JNZ:   JUMP_IF(A.i != 0);
+L_JEQI:  JUMP_IF(A.i == B.i);
+L_JNEI:  JUMP_IF(A.i != B.i);
+L_JLTI:  JUMP_IF(A.i < B.i);
+L_JLEI:  JUMP_IF(A.i <= B.i);
+L_JEQF:  JUMP_IF(A.d == B.d);
+L_JNEF:  JUMP_IF(A.d != B.d);
+L_JLTF:  JUMP_IF(A.d < B.d);
+L_JLEF:  JUMP_IF(A.d <= B.d);
+L_JNLTF: JUMP_IF(!(A.d < B.d));
+L_JNLEF: JUMP_IF(!(A.d <= B.d));
+
+L_GETAI: SAVE(); A.i = object<IntArray>(B).get(C.i); NEXT();
+L_GETAF: SAVE(); A.d = object<FloatArray>(B).get(C.i); NEXT();
+L_GETAV: SAVE(); putVec(&A, object<VectorArray>(B).get(C.i)); NEXT();
+L_GETAS: SAVE(); put(A, object<StringArray>(B).get(C.i)); NEXT();
+L_SETAI: SAVE(); object<IntArray>(A).set(B.i, C.i); NEXT();
+L_SETAF: SAVE(); object<FloatArray>(A).set(B.i, C.d); NEXT();
+L_SETAV: SAVE(); object<VectorArray>(A).set(B.i, vec(&C)); NEXT();
+L_SETAS: SAVE(); object<StringArray>(A).set(B.i, ownText(C)); NEXT();
+L_APPI:  object<IntArray>(A).push(B.i); NEXT();
+L_APPF:  object<FloatArray>(A).push(B.d); NEXT();
+L_APPV:  object<VectorArray>(A).push(vec(&B)); NEXT();
+L_APPS:  { StringArray& a = object<StringArray>(A); a.set(int64_t(a.size()), ownText(B)); } NEXT();
+L_SIZEA: A.i = B.p ? int32_t(static_cast<Array*>(B.p)->size()) : 0; NEXT();
+L_FRESH: SAVE(); freshArray(Type(ip->i), A, ip->c ? B.i : 0); NEXT();
+L_COPYA: SAVE(); assignArray(Type(ip->i), A, B); NEXT();
+L_SWAPA: swapArray(Type(ip->i), A, B); NEXT();
+
+L_NEWM: L_MKM: SAVE(); put(A, newMatrix(ip->b, ip->c)); NEXT();
+L_GETM: SAVE(); A.d = *matrixCell(object<Mat>(B).m, C.i, r[ip->i].i); NEXT();
+L_SETM:
+{
+    SAVE();
+    if (object<Mat>(A).refs > 1)
+    {
+        Mat* own = new Mat;
+        own->m = object<Mat>(A).m;
+        put(A, own);
+    }
+    *matrixCell(object<Mat>(A).m, B.i, C.i) = r[ip->i].d;
+    NEXT();
+}
+L_BINM: SAVE(); fromValue(matrixArithmetic(Op(ip->i), dynValue(B), dynValue(C)), Type::kDyn, &A); NEXT();
+L_COPYM: SAVE(); assignMatrix(A, B); NEXT();
+
+L_INDEXD: SAVE(); fromValue(elementOf(dynValue(B), C.i), Type::kDyn, &A); NEXT();
+L_SETD:
+{
+    SAVE();
+    if (object<Dyn>(A).refs > 1)
+        fromValue(dynValue(A), Type::kDyn, &A);
+    setElement(object<Dyn>(A).v, B.i, dynValue(C));
+    NEXT();
+}
+L_ASSIGND:
+{
+    SAVE();
+    const Type now = typeOf(dynValue(A)), given = typeOf(dynValue(B));
+    if (now == Type::kVoid || now == given)
+        put(A, B.p);
+    else
+        fromValue(convertTo(dynValue(B), now), Type::kDyn, &A);
+    NEXT();
+}
+L_SIZED: { const int32_t n = sizeOf(dynValue(B), ip->c != 0); A.i = n; } NEXT();
+L_BINDYN: SAVE(); fromValue(dynamicArithmetic(Op(ip->i), dynValue(B), dynValue(C)), Type::kDyn, &A); NEXT();
+
+L_MATH1: A.d = sites[ip->i].native->math1(B.d); NEXT();
+L_MATH2: A.d = sites[ip->i].native->math2(B.d, C.d); NEXT();
+L_MINI:  A.i = std::min(B.i, C.i); NEXT();
+L_MAXI:  A.i = std::max(B.i, C.i); NEXT();
+L_ABSI:  A.i = B.i < 0 ? wrap(-int64_t(B.i)) : B.i; NEXT();
+L_MINF:  A.d = std::min(B.d, C.d); NEXT();
+L_MAXF:  A.d = std::max(B.d, C.d); NEXT();
+L_ABSF:  A.d = std::fabs(B.d); NEXT();
+L_SQRTF: A.d = std::sqrt(B.d); NEXT();
+
+L_CALLP:
+{
+    SAVE();
+    if (interruptFlag.load(std::memory_order_relaxed)) [[unlikely]]
+        checkInterrupt();
+    Frame&      f = frames_.back();
+    const Site& site = sites[ip->i];
+    if (!f.function->bound.empty())
+        writeGlobals(f);
+    const Function* callee = site.proc->function.get();
+    if (callee && callee->signature == site.signature) [[likely]]
+    {
+        callProc(site, f);
+        LOAD_FRAME();
+        GO();
+    }
+    callSlow(site, r, ip->a);
+    if (!frames_.back().function->bound.empty())
+        readGlobalsKeeping(site.result, ip->a);
+    NEXT();
+}
+L_CALLD:
+{
+    SAVE();
+    if (interruptFlag.load(std::memory_order_relaxed)) [[unlikely]]
+        checkInterrupt();
+    const bool globals = !frames_.back().function->bound.empty();
+    if (globals)
+        writeGlobals(frames_.back());
+    Value v = callDynamic(sites[ip->i], r);
+    if (globals)
+        readGlobals(frames_.back());
+    fromValue(std::move(v), Type::kDyn, &A);
+    NEXT();
+}
+L_CALLN:
+{
+    SAVE();
+    const Site& site = sites[ip->i];
+    const bool  globals = site.native->runsScript && !frames_.back().function->bound.empty();
+    if (globals)
+        writeGlobals(frames_.back());
+    NativeCall c(r, site, ip->a);
+    site.native->function(c);
+    if (globals)
+        readGlobalsKeeping(site.result, ip->a);
+    NEXT();
+}
+L_RET:
+L_RETV:
+{
+    Frame&          f = frames_.back();
+    SAVE();
+    const Function& fn = *f.function;
+    if (!fn.bound.empty())
+        writeGlobals(f);
+    const bool  gives = ip->op == OP_RET;
+    const Type  type = fn.returns;
+    Slot* const value = &r[ip->a];
+    if (frames_.size() == bottom + 1)
+    {
+        if (gives)
+            result = toValue(type, value);
+        else if (type != Type::kVoid)
+        {
+            Slot none[3] = {};
+            result = toValue(type, none);
+            if (isHeap(type))
+                release(none[0].p);
+        }
+        pop();
+        return;
+    }
+    Frame&         caller = frames_[frames_.size() - 2];
+    const uint16_t out = caller.ip->a;
+    if (!caller.function->bound.empty())
+        readGlobals(caller);
+    if (type != Type::kVoid)
+        giveResult(type, caller.base + out, gives ? value : nullptr);
+    pop();
+    LOAD_FRAME();
+    NEXT();
+}
+L_DEFP:
+{
+    for (const auto& [slot, function] : frames_.back().function->procs)
+        slot->function = function;
+    NEXT();
+}
+}
+
+/// Reads the globals again after a call whose result is already in its register (which may be one of them).
+void Machine::readGlobalsKeeping(Type result, uint16_t reg)
+{
+    Frame& f = frames_.back();
+    if (result == Type::kVoid)
+        return readGlobals(f);
+    Slot  keep[3] = {};
+    Slot* at = f.base + reg;
+    if (isHeap(result))
+        put(keep[0], at->p);
+    else
+        std::copy(at, at + width(result), keep);
+    readGlobals(f);
+    if (isHeap(result))
+    {
+        put(*at, keep[0].p);
+        release(keep[0].p);
+    }
+    else
+        std::copy(keep, keep + width(result), at);
+}
+
+/// Moves the result of a frame that ends into the caller's register; no value gives the default.
+void Machine::giveResult(Type type, Slot* out, Slot* value)
+{
+    if (isArray(type))
+    {
+        if (!value)
+            freshArray(type, *out, 0);
+        else if (value->p && value->p->refs == 1)
+            swapArray(type, *out, *value);
+        else
+            assignArray(type, *out, *value);
+    }
+    else if (isHeap(type))
+        put(*out, value ? value->p : nullptr);
+    else
+        for (int k = 0; k < width(type); ++k)
+            if (value)
+                out[k] = value[k];
+            else
+                out[k].p = nullptr;
+}
+
+}  // namespace mirk::mel

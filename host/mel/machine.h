@@ -1,0 +1,60 @@
+// The machine: runs compiled functions on one stack of registers.
+#pragma once
+#include <atomic>
+#include <memory>
+#include <mutex>
+#include <span>
+#include <vector>
+
+#include "mel/bytecode.h"
+
+namespace mirk::mel {
+
+class Machine
+{
+public:
+    Machine();
+    ~Machine();
+
+    /// Runs one function from outside; arguments are converted to its parameters. Arrays go in by value.
+    Value call(std::shared_ptr<const Function> f, std::span<const Value> args = {});
+    /// A name that no text defined when the caller was compiled: a procedure, a command, a script file of that name.
+    Value callByName(const std::string& name, std::span<const Value> args);
+
+    std::recursive_mutex lock;                   ///< one interpreter, one script at a time
+    std::atomic<bool>    interruptFlag{false};
+    int                  depth = 0;              ///< of entries from outside
+    bool                 (*findScript)(const std::string& name) = nullptr;   ///< sources `name`.mel; false if there is none
+
+private:
+    struct Frame
+    {
+        std::shared_ptr<const Function> function;
+        Slot*                           base;
+        const Instr*                    ip;           ///< while another frame runs: the call
+        bool                            written = false;   ///< globals are written back and may be newer than the registers
+    };
+
+    void  push(std::shared_ptr<const Function> f);
+    void  pop();
+    void  run(size_t bottom, Value& result);
+    void  execute(size_t bottom, Value& result);
+    void  callProc(const Site& site, Frame& caller);
+    void  handle(size_t bottom);
+    void  readGlobalsKeeping(Type result, uint16_t reg);
+    static void giveResult(Type type, Slot* out, Slot* value);
+    void  writeGlobals(Frame& f);
+    void  readGlobals(Frame& f);
+    Value callDynamic(const Site& site, Slot* registers);
+    void  callSlow(const Site& site, Slot* registers, uint16_t out);
+    void  checkInterrupt();
+
+    std::unique_ptr<Slot[]> stack_;
+    Slot*                   top_;
+    Slot*                   end_;
+    std::vector<Frame>      frames_;
+};
+
+Machine& machine();
+
+}  // namespace mirk::mel

@@ -1,0 +1,58 @@
+// Messages, running text, asking what a name is.
+#include <chrono>
+
+#include "mel/interpreter.h"
+#include "mel/native.h"
+#include "mel/symbols.h"
+
+namespace mirk::mel {
+
+namespace {
+
+std::string words(const NativeCall& c, int from = 0)
+{
+    std::string out;
+    for (int k = from; k < c.count(); ++k)
+        out.append(k > from ? " " : "").append(c.x(k).asString());
+    return out;
+}
+
+/// `warning` and the like take -n (do not show the line number), which changes nothing here.
+std::string messageText(const NativeCall& c)
+{
+    const bool flag = c.count() > 1 && c.x(0).kind() == Value::kString && (c.x(0).get<std::string>() == "-n" || c.x(0).get<std::string>() == "-noContext");
+    return words(c, flag);
+}
+
+double seconds() { return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count(); }
+
+Value environment(const std::string& name)
+{
+    const char* v = std::getenv(name.c_str());
+    return Value(v ? v : "");
+}
+
+const Native kRows[] = {
+    {"print", "x", 0, [](NativeCall& c) { print(printed(c.x(0))); }},
+    {"warning", "x*", 0, [](NativeCall& c) { message(Severity::kWarning, messageText(c)); }},
+    {"error", "x*", 0, [](NativeCall& c) { throw command::Error(messageText(c)); }},
+    {"trace", "x*", 0, [](NativeCall& c) { print(words(c) + "\n"); }},
+    {"eval", "x*", 'x', [](NativeCall& c) { c.give(execute(words(c))); }, nullptr, nullptr, OP_MOV, true},
+    {"evalEcho", "x*", 'x', [](NativeCall& c) {
+         const std::string text = words(c);
+         print(text + "\n");
+         c.give(execute(text));
+     }, nullptr, nullptr, OP_MOV, true},
+    {"source", "s", 'x', [](NativeCall& c) { c.give(sourceFile(c.s(0))); }, nullptr, nullptr, OP_MOV, true},
+    {"whatIs", "s", 's', [](NativeCall& c) { c.give(whatIs(c.s(0))); }},
+    {"exists", "s", 'i', [](NativeCall& c) { c.give(int32_t(exists(c.s(0)))); }},
+    {"getenv", "s", 's', [](NativeCall& c) { c.give(environment(c.s(0)).asString()); }},
+    {"timerX", "", 'f', [](NativeCall& c) { c.give(seconds()); }},
+    {"timerX", "sf", 'f', [](NativeCall& c) { c.give(seconds() - c.f(1)); }},
+};
+
+}  // namespace
+
+std::span<const Native> coreNatives() { return kRows; }
+
+}  // namespace mirk::mel

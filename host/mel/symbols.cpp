@@ -1,0 +1,105 @@
+#include "mel/symbols.h"
+
+namespace mirk::mel {
+
+Symbols& symbols()
+{
+    static Symbols* all = new Symbols;   // frames may still look at it while the process ends
+    return *all;
+}
+
+Global* Symbols::global(std::string_view name) const { return look(globals_, name); }
+
+Global& Symbols::declare(const std::string& name, Type type)
+{
+    auto g = std::make_unique<Global>();
+    g->name = name;
+    g->type = type;
+    switch (type)
+    {
+    case Type::kInts:    object<IntArray>(g->value[0]); break;
+    case Type::kFloats:  object<FloatArray>(g->value[0]); break;
+    case Type::kStrings: object<StringArray>(g->value[0]); break;
+    case Type::kVectors: object<VectorArray>(g->value[0]); break;
+    default: break;
+    }
+    return *(globals_[name] = std::move(g));
+}
+
+void Symbols::undeclare(Global& global)
+{
+    if (isHeap(global.type))
+        release(global.value[0].p);
+    globals_.erase(globals_.find(global.name));
+}
+
+void Symbols::retype(Global& global, Type type)
+{
+    Value v = toValue(global.type, global.value);
+    Slot  fresh[3] = {};
+    fromValue(std::move(v), type, fresh);
+    if (isHeap(global.type))
+        release(global.value[0].p);
+    global.type = type;
+    std::copy(fresh, fresh + 3, global.value);
+    ++epoch;
+}
+
+ProcSlot& Symbols::proc(const std::string& name)
+{
+    auto& slot = procs_[name];
+    if (!slot)
+    {
+        slot = std::make_unique<ProcSlot>();
+        slot->name = name;
+    }
+    return *slot;
+}
+
+ProcSlot* Symbols::findProc(std::string_view name) const { return look(procs_, name); }
+
+const Function* Symbols::defined(std::string_view name) const
+{
+    for (const ProcSlot* s : {findProc(name), findInteractive(name)})
+        if (s && s->function)
+            return s->function.get();
+    return nullptr;
+}
+
+ProcSlot& Symbols::interactive(const std::string& name)
+{
+    auto& slot = interactive_[name];
+    if (!slot)
+    {
+        slot = std::make_unique<ProcSlot>();
+        slot->name = name;
+        slot->local = true;
+    }
+    return *slot;
+}
+
+ProcSlot& Symbols::local(const std::string& name)
+{
+    ProcSlot& slot = locals_.emplace_back();
+    slot.name = name;
+    slot.local = true;
+    return slot;
+}
+
+ProcSlot* Symbols::findInteractive(std::string_view name) const { return look(interactive_, name); }
+
+Function::~Function()
+{
+    for (Str* s : texts)
+        release(s);
+}
+
+uint64_t signatureOf(Type returns, const std::vector<Type>& params)
+{
+    uint64_t h = uint64_t(returns) + 1;
+    for (Type t : params)
+        h = h * 1099511628211ull + uint64_t(t) + 1;
+    return h;
+}
+
+}  // namespace mirk::mel

@@ -1,0 +1,93 @@
+#include "core/attr.h"
+
+#include <maya/MFnEnumAttribute.h>
+#include <maya/MFnGenericAttribute.h>
+#include <maya/MFnNumericAttribute.h>
+#include <maya/MFnTypedAttribute.h>
+#include <maya/MPxNode.h>
+
+namespace attr {
+
+const std::initializer_list<Field> kSubsetFields = {
+    {"None", 0}, {"Input Component List", 1}, {"Input Object Group", 2}};
+const std::initializer_list<Field> kSpaceFields = {{"World", 0}, {"Object", 1}};
+
+namespace {
+
+/// The flags of the role on an attribute just made.
+Row row(MObject& attribute, MFnAttribute& fn, Role role)
+{
+    switch (role) {
+    case kInput:   fn.setStorable(false); break;
+    case kControl: fn.setKeyable(true); break;
+    case kStored:  break;
+    case kOutput:  fn.setWritable(false); fn.setStorable(false); break;
+    }
+    return {&attribute, role};
+}
+
+} // namespace
+
+Row numeric(MObject& attribute, const char* longName, const char* shortName, MFnNumericData::Type type, double value,
+            Role role)
+{
+    MFnNumericAttribute fn;
+    attribute = fn.create(longName, shortName, type, value);
+    return row(attribute, fn, role);
+}
+
+Row typed(MObject& attribute, const char* longName, const char* shortName, MFnData::Type type, Role role)
+{
+    MFnTypedAttribute fn;
+    attribute = fn.create(longName, shortName, type);
+    return row(attribute, fn, role);
+}
+
+Row text(MObject& attribute, const char* longName, const char* shortName, Role role)
+{
+    return typed(attribute, longName, shortName, MFnData::kString, role);
+}
+
+Row enumeration(MObject& attribute, const char* longName, const char* shortName, std::initializer_list<Field> fields,
+                short value, Role role)
+{
+    MFnEnumAttribute fn;
+    attribute = fn.create(longName, shortName);
+    for (const Field& field : fields)
+        fn.addField(field.name, field.value);
+    fn.setDefault(value);
+    return row(attribute, fn, role);
+}
+
+Row generic(MObject& attribute, const char* longName, const char* shortName,
+            std::initializer_list<MFnData::Type> accepts, Role role)
+{
+    MFnGenericAttribute fn;
+    attribute = fn.create(longName, shortName);
+    for (const MFnData::Type type : accepts)
+        fn.addDataAccept(type);
+    return row(attribute, fn, role);
+}
+
+MStatus declare(const Row* rows, std::size_t count)
+{
+    for (std::size_t i = 0; i < count; ++i) {
+        const MStatus status = MPxNode::addAttribute(*rows[i].attribute);
+        if (!status)
+            return status;
+    }
+    for (std::size_t in = 0; in < count; ++in) {
+        if (rows[in].role == kOutput)
+            continue;
+        for (std::size_t out = 0; out < count; ++out) {
+            if (rows[out].role != kOutput)
+                continue;
+            const MStatus status = MPxNode::attributeAffects(*rows[in].attribute, *rows[out].attribute);
+            if (!status)
+                return status;
+        }
+    }
+    return MS::kSuccess;
+}
+
+} // namespace attr
