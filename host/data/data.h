@@ -46,6 +46,9 @@ public:
     Ref<Storage> buffer;  ///< never null
 };
 
+/// Three floats, as meshes store them.
+struct F3 { float v[3]; };
+
 using DoubleArrayData      = ArrayData<double, MFnData::kDoubleArray, MFn::kDoubleArrayData>;
 using FloatArrayData       = ArrayData<float, MFnData::kFloatArray, MFn::kFloatArrayData>;
 using IntArrayData         = ArrayData<int, MFnData::kIntArray, MFn::kIntArrayData>;

@@ -159,38 +159,37 @@ void copyTo(OutArray& array, const std::vector<double>& values)
 /// entry; a curve's point has its first UV only.
 void gatherMap(const Points& points, const MString& uvSet, PointArrays& out)
 {
-    const MString*      set = uvSet.length() > 0 ? &uvSet : nullptr;
-    MObject             object = points.mesh;
-    MItMeshVertex       vertex(object);
+    const MString* set = uvSet.length() > 0 ? &uvSet : nullptr;
+    MFloatArray    us, vs;
+    MFnMesh(points.mesh).getUVs(us, vs, set);
+    const unsigned int  uvTotal = std::min(us.length(), vs.length());
+    MItMeshVertex       vertex(points.mesh);
     std::vector<double> counts, ids, pairs, shared;
     counts.reserve(points.kept());
-    ids.reserve(points.read());
-    pairs.reserve(2 * static_cast<std::size_t>(points.read()));
+    ids.reserve(uvTotal);
+    pairs.reserve(2 * static_cast<std::size_t>(uvTotal));
     shared.reserve(2 * static_cast<std::size_t>(points.read()));
-    MIntArray   uvIds, faces;
-    MFloatArray us, vs;
+    MIntArray uvIds;
     points.each([&](unsigned int i, bool read) {
         if (!read) {
             counts.push_back(0.0);
             return;
         }
-        int previous = 0, uvCount = 0;
-        vertex.setIndex(static_cast<int>(i * points.step), previous);
-        if (!vertex.numUVs(uvCount, set) || uvCount < 1)
+        int    previous = 0, uvCount = 0;
+        float2 uv = {0.0f, 0.0f};
+        if (!vertex.setIndex(static_cast<int>(i * points.step), previous) || !vertex.numUVs(uvCount, set) ||
+            uvCount < 1 || !vertex.getUVIndices(uvIds, set))
             return;
-        vertex.getUVIndices(uvIds, set);
-        vertex.getUVs(us, vs, faces, set);
-        if (points.kind == MFnData::kNurbsCurve)
-            uvCount = 1;
-        const unsigned int known = std::min({uvIds.length(), us.length(), vs.length()});
-        const unsigned int used = std::min(static_cast<unsigned int>(uvCount), known);
+        const unsigned int wanted = points.kind == MFnData::kNurbsCurve ? 1 : static_cast<unsigned int>(uvCount);
+        const unsigned int used = std::min(wanted, uvIds.length());
         counts.push_back(used);
         for (unsigned int k = 0; k < used; ++k) {
-            ids.push_back(uvIds[k]);
-            pairs.push_back(us[k]);
-            pairs.push_back(vs[k]);
+            const int  id = uvIds[k];
+            const auto at = static_cast<unsigned int>(id);
+            ids.push_back(id);
+            pairs.push_back(us[at]);
+            pairs.push_back(vs[at]);
         }
-        float2 uv = {0.0f, 0.0f};
         vertex.getUV(uv, set);
         shared.push_back(uv[0]);
         shared.push_back(uv[1]);
@@ -418,8 +417,7 @@ void pointAttributeToArray::gather(MDataBlock& block, const PointSwitches& on, P
     points.count = std::min(points.count, (vertexCount + points.step - 1) / points.step);
 
     const MString colorSet = block.inputValue(aColorSet).asString();
-    const MString uvSet = block.inputValue(aUvSet).asString();
-    warnAboutUvSet(points.mesh, uvSet);
+    const MString uvSet = uvSetInUse(points.mesh, block.inputValue(aUvSet).asString());
     const short useComponents = block.inputValue(aUseComp).asShort();
     if (useComponents == 2)   // the text speaks of vector arrays whatever the input is
         warn(input, ": Object groups are not supported for vector arrays. Use components list instead.");
@@ -479,20 +477,21 @@ void pointAttributeToArray::gatherVectors(MDataBlock& block, const MObject& vect
     }
 }
 
-void pointAttributeToArray::warnAboutUvSet(const MObject& mesh, const MString& uvSet) const
+MString pointAttributeToArray::uvSetInUse(const MObject& mesh, const MString& uvSet) const
 {
     const MPlug input(thisMObject(), aInGeo);
     MFnMesh     fn(mesh);
     if (uvSet.length() == 0) {
         if (fn.currentUVSetName().length() == 0)
             warn(input, ": Cannot find a current uvSet.");
-        return;
+        return uvSet;
     }
     MStringArray names;
     fn.getUVSetNames(names);
     for (unsigned int i = 0; i < names.length(); ++i) {
         if (names[i] == uvSet)
-            return;
+            return uvSet;
     }
     warn(input, MString(": Cannot find uvSet named \"") + uvSet + "\".");
+    return MString();
 }

@@ -1,6 +1,7 @@
 #pragma once
 #include <maya/MDataBlock.h>
 #include <maya/MPxNode.h>
+#include <maya/MString.h>
 #include <maya/MTypeId.h>
 
 struct PointArrays;
@@ -26,5 +27,7 @@ public:
 private:
     void gather(MDataBlock& block, const PointSwitches& on, PointArrays& out) const;
     void gatherVectors(MDataBlock& block, const MObject& vectors, PointArrays& out) const;
-    void warnAboutUvSet(const MObject& mesh, const MString& uvSet) const;
+    /// The set that is read, empty for the current one. A set that the mesh does not have gives a warning, and way to
+    /// the current one.
+    MString uvSetInUse(const MObject& mesh, const MString& uvSet) const;
 };

@@ -83,8 +83,8 @@ TEST_F(ArrayToPoint, WrongLengthsAndKinds)
         const bool moved = !points("w.outGeometry")[0].isEquivalent(kPlane[0]);
         EXPECT_EQ(moved, c.moves) << c.kind << c.count;
         EXPECT_EQ(warnings.texts.size(), c.warns ? 1u : 0u) << c.kind << c.count;
-        if (!warnings.texts.empty())
-            EXPECT_EQ(warnings.texts[0], "w: inPositionPP array length does not match the point count.");
+        for (const std::string& text : warnings.texts)
+            EXPECT_EQ(text, "w: inPositionPP array length does not match the point count.");
     }
 }
 

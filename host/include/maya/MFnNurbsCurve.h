@@ -1,4 +1,6 @@
 #pragma once
+#include <memory>
+
 #include <maya/MFnBase.h>
 #include <maya/MSpace.h>
 
@@ -7,6 +9,9 @@ class MDoubleArray;
 class MPoint;
 class MPointArray;
 class MVector;
+namespace mirk {
+struct WorldMatrix;
+}
 
 #define kMFnNurbsEpsilon 1.0e-3
 
@@ -22,7 +27,8 @@ public:
     explicit MFnNurbsCurve(const MDagPath& path, MStatus* ReturnStatus = nullptr);
     ~MFnNurbsCurve() override;
     MFn::Type type() const override;
-    using MFnBase::setObject;
+    MStatus setObject(MObject& object) override;
+    MStatus setObject(const MObject& object) override;
     virtual MStatus setObject(const MDagPath& path);
 
     /// Makes a curve in a data object, or as a shape under a transform; returns the data or the shape's parent's child.
@@ -85,7 +91,5 @@ protected:
     bool acceptsObject(const MObject& object) const override;
 
 private:
-    double pathMatrix_[4][4] = {{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 1, 0}, {0, 0, 0, 1}};
-    bool   hasPath_          = false;
-    friend struct CurveCall;
+    std::shared_ptr<const mirk::WorldMatrix> world_;   // of the path, if there is one
 };

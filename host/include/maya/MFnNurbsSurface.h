@@ -1,4 +1,6 @@
 #pragma once
+#include <memory>
+
 #include <maya/MFnBase.h>
 #include <maya/MSpace.h>
 
@@ -7,6 +9,9 @@ class MDoubleArray;
 class MPoint;
 class MPointArray;
 class MVector;
+namespace mirk {
+struct WorldMatrix;
+}
 
 /// Function set on NURBS surfaces: on surface data, on a surface shape, or on a DAG path to one. CVs are stored with V
 /// running fastest. Each direction has `CVs + degree - 1` knots; a periodic one repeats its first `degree` CVs at the end.
@@ -20,7 +25,8 @@ public:
     explicit MFnNurbsSurface(const MDagPath& path, MStatus* ReturnStatus = nullptr);
     ~MFnNurbsSurface() override;
     MFn::Type type() const override;
-    using MFnBase::setObject;
+    MStatus setObject(MObject& object) override;
+    MStatus setObject(const MObject& object) override;
     virtual MStatus setObject(const MDagPath& path);
 
     /// Makes a surface in a data object or as a shape under a transform.
@@ -78,7 +84,5 @@ protected:
     bool acceptsObject(const MObject& object) const override;
 
 private:
-    double pathMatrix_[4][4] = {{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 1, 0}, {0, 0, 0, 1}};
-    bool   hasPath_          = false;
-    friend struct SurfaceCall;
+    std::shared_ptr<const mirk::WorldMatrix> world_;   // of the path, if there is one
 };

@@ -1,0 +1,46 @@
+// Curve and surface function sets on DAG paths, whose world matrix follows the scene.
+#if __has_include(<maya/MDagPath.h>)
+#include <maya/MDagPath.h>
+#include <maya/MFnNurbsCurve.h>
+#include <maya/MFnNurbsSurface.h>
+
+#include "dag/path_access.h"
+#include "data/fn_base.h"
+#include "nurbs/path_world.h"
+#include "nurbs/target.h"
+
+using namespace mirk;
+
+namespace {
+
+struct PathWorld : WorldMatrix
+{
+    explicit PathWorld(const MDagPath& p) : path(p) {}
+    void get(double m[4][4]) const override { PathAccess::inclusiveMatrix(path, m); }
+    MDagPath path;
+};
+
+}  // namespace
+
+namespace mirk {
+std::shared_ptr<const WorldMatrix> worldOfPath(const MDagPath& path) { return std::make_shared<PathWorld>(path); }
+}
+
+MFnNurbsCurve::MFnNurbsCurve(const MDagPath& path, MStatus* s) { report(s, setObject(path).statusCode()); }
+MStatus MFnNurbsCurve::setObject(const MDagPath& path)
+{
+    const MStatus status = setObject(PathAccess::node(path));
+    if (status)
+        world_ = worldOfPath(path);
+    return status;
+}
+
+MFnNurbsSurface::MFnNurbsSurface(const MDagPath& path, MStatus* s) { report(s, setObject(path).statusCode()); }
+MStatus MFnNurbsSurface::setObject(const MDagPath& path)
+{
+    const MStatus status = setObject(PathAccess::node(path));
+    if (status)
+        world_ = worldOfPath(path);
+    return status;
+}
+#endif
