@@ -202,10 +202,10 @@ MVector PointWalk::normal(MSpace::Space s, MStatus* status)
         return MVector();
     }
     if (!normals_)
-        normals_ = Ref<const Buffer<Float3>>(&mesh_->vertexNormals(false));
+        normals_ = Ref<const Buffer<F3>>(&mesh_->vertexNormals(false));
     if (status)
         *status = MS::kSuccess;
-    const Float3&    n = (*normals_)[size_t(i)];
+    const F3&    n = (*normals_)[size_t(i)];
     const MVector    v(n.v[0], n.v[1], n.v[2]);
     const NurbsSpace& to = space(s);
     return to.active ? v.transformAsNormal(to.out).normal() : v;
@@ -218,7 +218,7 @@ MStatus PointWalk::openForWrite()
     if (!data_)
         return MS::kFailure;
     if (mesh_ && !normals_ && mesh_->vertexNormalsBuilt())   // kept: a loop that reads normals and moves points
-        normals_ = Ref<const Buffer<Float3>>(&mesh_->vertexNormals(false));
+        normals_ = Ref<const Buffer<F3>>(&mesh_->vertexNormals(false));
     if (writable_)
         return MS::kSuccess;
     Ref<GeometryData> own;
