@@ -96,13 +96,20 @@ bool convert(char letter, Value& v)
     throw Error("Flag '-" + given + "' must be passed " + kindName(letter) + " argument.");
 }
 
+void appendNumbers(const Value& v, std::vector<Value>& out)
+{
+    const Floats all = v.asFloats();
+    for (double d : *all)
+        out.emplace_back(d);
+}
+
 /// A single value, or the elements of an array.
 void flatten(const Value& v, std::vector<Value>& out)
 {
     switch (v.kind())
     {
     case Value::kInts:    for (int32_t i : v.get<Ints>()) out.emplace_back(i); break;
-    case Value::kFloats:  for (double d : std::as_const(*v.asFloats())) out.emplace_back(d); break;
+    case Value::kFloats:  appendNumbers(v, out); break;
     case Value::kStrings: for (const std::string& s : v.get<Strings>()) out.emplace_back(s); break;
     case Value::kVectors: for (const Vec3& e : v.get<Vectors>()) out.emplace_back(e); break;
     default:              out.push_back(v);
@@ -113,8 +120,7 @@ void flatten(const Value& v, std::vector<Value>& out)
 void flattenDeep(const Value& v, std::vector<Value>& out)
 {
     if (v.kind() == Value::kVector || v.kind() == Value::kVectors || v.kind() == Value::kMatrix)
-        for (double d : std::as_const(*v.asFloats()))
-            out.emplace_back(d);
+        appendNumbers(v, out);
     else
         flatten(v, out);
 }
@@ -292,12 +298,30 @@ void keyword(Call& call, const Keyword& k)
 
 }  // namespace
 
-Call parse(const Command& command, std::span<const Value> raw) { return Parser(command, raw).parse(); }
+Call parse(const Command& command, std::span<const Value> raw)
+{
+    if (!command.raw)
+        return Parser(command, raw).parse();
+    Call call;
+    call.command = &command;
+    call.args.assign(raw.begin(), raw.end());
+    return call;
+}
 
 Call parseKeywords(const Command& command, std::span<const Value> args, std::span<const Keyword> keywords)
 {
     Call call;
     call.command = &command;
+    if (command.raw)
+    {
+        for (const Keyword& k : keywords)
+        {
+            call.args.emplace_back("-" + k.name);
+            call.args.push_back(k.value);
+        }
+        call.args.insert(call.args.end(), args.begin(), args.end());
+        return call;
+    }
     for (const Keyword& k : keywords)
         if (int mode = modeFlag(command, k.name); mode && k.value.asBool())
             call.mode = Mode(mode);

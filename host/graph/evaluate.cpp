@@ -25,11 +25,8 @@ struct State
     void (*report)(const std::string&, bool) = nullptr;
 };
 
-State& state()
-{
-    static State* s = new State;
-    return *s;
-}
+State& g_state = *new State;   // outlives every static object
+State& state() { return g_state; }
 
 // ---- matching along compound connections -------------------------------------------------------------------------
 
@@ -250,7 +247,8 @@ void callCompute(Cell& cell)
     {
         MDataBlock  block = HandleAccess::block(&node);
         const MPlug plug = PlugAccess::lend(cell);
-        status = node.user->compute(plug, block);
+        if (!node.type->computeBase || !node.type->computeBase(node, cell))
+            status = node.user ? node.user->compute(plug, block) : MStatus(MS::kUnknownParameter);
     }
     cell.flags &= ~Cell::kComputing;
     s.node = outer;
@@ -272,7 +270,7 @@ void compute(Cell& cell)
         reportCycle(cell);
         return;
     }
-    if (!cell.node->user) {
+    if (!cell.node->user && !cell.node->type->computeBase) {
         clean(cell);
         return;
     }

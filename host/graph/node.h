@@ -37,6 +37,9 @@ public:
     /// Dirt that crosses the DAG or that the affects table cannot tell: called when an attribute of a node gets dirty,
     /// adds the cells that are dirty too. Evaluates nothing.
     void       (*onDirty)(Node&, const Attribute&, std::vector<Cell*>& alsoDirty) = nullptr;
+    /// Computes attributes of the host's own base types, whatever the class built on them does with its plugs. False if
+    /// the cell is none of them.
+    bool       (*computeBase)(Node&, Cell&) = nullptr;
     size_t       order = 0;                   ///< of registration
 
     std::vector<Ref<Attribute>>    table;
@@ -92,19 +95,20 @@ public:
     bool owns(const Attribute* a) const;
     bool isComputed(const Attribute* a) const { return size_t(a->slot) < type->computed.size() && type->computed[a->slot]; }
 
+    // what evaluation reads stands first
     NodeType*            type;
-    std::string          name;
+    std::vector<Cell*>   cells;               ///< by slot
+    std::unique_ptr<MPxNode> user;            ///< null for a node of unknown type
+    int                  computing = 0;
+    bool                 dependsOnDirtyCall = false;  ///< overrides setDependentsDirty
     bool                 inScene = false;
+    std::string          name;
     bool                 isDefault = false;   ///< persp, time1 ...: neither deleted nor stored
     bool                 locked = false;
     bool                 referenced = false;
-    bool                 dependsOnDirtyCall = false;  ///< overrides setDependentsDirty
-    int                  computing = 0;
     size_t               order = 0;           ///< of creation, for deterministic lists
     std::string          uuid;
-    std::unique_ptr<MPxNode> user;            ///< null for a node of unknown type
     std::unique_ptr<Dag> dag;                 ///< null for nodes outside the DAG
-    std::vector<Cell*>   cells;               ///< by slot
     std::vector<Ref<Attribute>> dynamics;     ///< top-level dynamic attributes, in order of creation
     int                  nextSlot = 0;        ///< for dynamic attributes
     std::vector<std::pair<std::string, std::string>> aliases;   ///< alias, plug (without node)
