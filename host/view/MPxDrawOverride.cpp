@@ -12,10 +12,7 @@ MUserData::~MUserData() = default;
 
 namespace MHWRender {
 
-MPxDrawOverride::MPxDrawOverride(const MObject&, GeometryDrawOverrideCb callback, bool isAlwaysDirty)
-    : callback_(callback), alwaysDirty_(isAlwaysDirty)
-{
-}
+MPxDrawOverride::MPxDrawOverride(const MObject&, GeometryDrawOverrideCb callback, bool) : callback_(callback) {}
 
 MPxDrawOverride::~MPxDrawOverride() = default;
 
