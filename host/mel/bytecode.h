@@ -78,7 +78,8 @@ struct Site
 {
     struct Arg { Type type; uint16_t reg; };
 
-    std::vector<Arg> args;
+    std::vector<Arg>   args;               ///< kVoid: the next one of `literals`, so that long lists of numbers take no registers
+    std::vector<Value> literals;
     std::string      name;                 ///< of a procedure or command found at run time
     ProcSlot*        proc = nullptr;       ///< a procedure whose signature was known
     uint64_t         signature = 0;        ///< what it was compiled for

@@ -146,10 +146,13 @@ Value Machine::callByName(const std::string& name, std::span<const Value> args)
 
 Value Machine::callDynamic(const Site& site, Slot* registers)
 {
+    if (site.literals.size() == site.args.size())
+        return callByName(site.name, site.literals);
     std::vector<Value> args;
     args.reserve(site.args.size());
+    size_t literal = 0;
     for (const Site::Arg& a : site.args)
-        args.push_back(toValue(a.type, registers + a.reg));
+        args.push_back(a.type == Type::kVoid ? site.literals[literal++] : toValue(a.type, registers + a.reg));
     return callByName(site.name, args);
 }
 
