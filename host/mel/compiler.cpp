@@ -579,7 +579,7 @@ std::shared_ptr<const Unit> compile(std::shared_ptr<const Source> source)
 {
     Arena                    arena;
     const std::vector<Node*> nodes = parse(*source, arena);
-    UnitState                state{source, std::make_shared<Unit>(), {}, {}};
+    UnitState                state{source, std::make_shared<Unit>(), {}, {}, {}};
     declareProcs(state, nodes);
     size_t last = nodes.size();
     while (last > 0 && nodes[last - 1]->kind == Kind::kEmpty)

@@ -477,6 +477,7 @@ L_APPF:  object<FloatArray>(A).push(B.d); NEXT();
 L_APPV:  object<VectorArray>(A).push(vec(&B)); NEXT();
 L_APPS:  { StringArray& a = object<StringArray>(A); a.set(int64_t(a.size()), ownText(B)); } NEXT();
 L_SIZEA: A.i = B.p ? int32_t(static_cast<Array*>(B.p)->size()) : 0; NEXT();
+L_LOADA: SAVE(); fromValue(sites[ip->i].literals[0], Type(ip->b), &A); NEXT();
 L_FRESH: SAVE(); freshArray(Type(ip->i), A, ip->c ? B.i : 0); NEXT();
 L_COPYA: SAVE(); assignArray(Type(ip->i), A, B); NEXT();
 L_SWAPA: swapArray(Type(ip->i), A, B); NEXT();

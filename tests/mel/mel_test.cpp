@@ -200,6 +200,15 @@ TEST_F(Mel, RecursionEndsWithAnError)
     for (int i = 0; i < 20000; ++i)
         sum += " + 1";
     EXPECT_EQ(execute(sum + "; $melSum;").asInt(), 20000);
+    // more numbers than a frame has registers
+    std::string list, words;
+    for (int i = 0; i < 70000; ++i)
+    {
+        list += (i ? "," : "") + std::to_string(i);
+        words += " " + std::to_string(i) + ".5";
+    }
+    EXPECT_EQ(execute("int $melMany[] = {" + list + "}; $melMany[69999];").asInt(), 69999);
+    EXPECT_EQ(execute("melTestGive" + words).asFloat(), 0.5);
     EXPECT_EQ(errorOf("print(\"alive\");"), "ok");
 }
 
