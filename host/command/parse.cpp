@@ -96,13 +96,20 @@ bool convert(char letter, Value& v)
     throw Error("Flag '-" + given + "' must be passed " + kindName(letter) + " argument.");
 }
 
+void appendNumbers(const Value& v, std::vector<Value>& out)
+{
+    const Floats all = v.asFloats();
+    for (double d : *all)
+        out.emplace_back(d);
+}
+
 /// A single value, or the elements of an array.
 void flatten(const Value& v, std::vector<Value>& out)
 {
     switch (v.kind())
     {
     case Value::kInts:    for (int32_t i : v.get<Ints>()) out.emplace_back(i); break;
-    case Value::kFloats:  for (double d : std::as_const(*v.asFloats())) out.emplace_back(d); break;
+    case Value::kFloats:  appendNumbers(v, out); break;
     case Value::kStrings: for (const std::string& s : v.get<Strings>()) out.emplace_back(s); break;
     case Value::kVectors: for (const Vec3& e : v.get<Vectors>()) out.emplace_back(e); break;
     default:              out.push_back(v);
@@ -113,8 +120,7 @@ void flatten(const Value& v, std::vector<Value>& out)
 void flattenDeep(const Value& v, std::vector<Value>& out)
 {
     if (v.kind() == Value::kVector || v.kind() == Value::kVectors || v.kind() == Value::kMatrix)
-        for (double d : std::as_const(*v.asFloats()))
-            out.emplace_back(d);
+        appendNumbers(v, out);
     else
         flatten(v, out);
 }

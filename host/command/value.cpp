@@ -62,7 +62,7 @@ Value firstOf(const Value& v)
     {
     case Value::kMatrix:  return v.get<Matrix>().v.empty() ? Value() : Value(v.get<Matrix>().v[0]);
     case Value::kInts:    return v.get<Ints>().empty() ? Value() : Value(v.get<Ints>()[0]);
-    case Value::kFloats:  return !v.get<Floats>() || v.get<Floats>()->empty() ? Value() : Value((*std::as_const(*v.get<Floats>()).begin()));
+    case Value::kFloats:  return !v.get<Floats>() || v.get<Floats>()->empty() ? Value() : Value((*v.get<Floats>())[0]);
     case Value::kStrings: return v.get<Strings>().empty() ? Value() : Value(v.get<Strings>()[0]);
     case Value::kVectors: return v.get<Vectors>().empty() ? Value() : Value(v.get<Vectors>()[0]);
     default:              return Value();
@@ -158,7 +158,13 @@ Strings Value::asStrings() const
     case kInts:    for (int32_t i : get<Ints>()) out.push_back(std::to_string(i)); break;
     case kVectors: for (const Vec3& v : get<Vectors>()) out.push_back(vectorText(v)); break;
     case kMatrix:
-    case kFloats:  for (double d : std::as_const(*asFloats())) out.push_back(numberText(d)); break;
+    case kFloats:
+    {
+        const Floats all = asFloats();
+        for (double d : *all)
+            out.push_back(numberText(d));
+        break;
+    }
     default:       out.push_back(asString());
     }
     return out;

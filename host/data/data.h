@@ -47,7 +47,6 @@ public:
 };
 
 /// Three floats, as meshes store them.
-struct F3 { float v[3]; };
 
 using DoubleArrayData      = ArrayData<double, MFnData::kDoubleArray, MFn::kDoubleArrayData>;
 using FloatArrayData       = ArrayData<float, MFnData::kFloatArray, MFn::kFloatArrayData>;

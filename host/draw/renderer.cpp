@@ -363,12 +363,15 @@ std::vector<Hit> GlRenderer::pick(const RenderRequest& request, int x, int y, in
     const Frame frame(request, 1, std::max(tolerance, 1.f));
     picks_->begin(request.camera, 1);
     for (const Layer which : {Layer::kOpaque, Layer::kTransparent, Layer::kXray, Layer::kScreen}) {
-        if (which == Layer::kXray)   // in front of everything: their depths start over
-            glClear(GL_DEPTH_BUFFER_BIT);
+        if (which == Layer::kXray) {   // from here on in front of everything, the later the nearer
+            glDepthFunc(GL_ALWAYS);
+            glDepthRange(0, 0);
+        }
         for (const Batch* batch : layer(frame, which))
             drawBatch(frame, *picks_, *batch, false);
     }
     glDisable(GL_SCISSOR_TEST);
+    glDepthRange(0, 1);
 
     std::vector<uint32_t> ids(size_t(width) * height);
     std::vector<float>    depths(ids.size());

@@ -14,7 +14,8 @@ uniform vec3 anchor;
 uniform vec2 viewport;
 uniform int space;
 uniform float pixelScale, depthBias;
-centroid out vec3 eyePosition, eyeNormal;   // no extrapolation at silhouettes
+out vec3 eyePosition;
+centroid out vec3 eyeNormal;   // no extrapolation at silhouettes; the position is left out for its derivatives' sake
 centroid out vec4 vertexColor;
 void main()
 {
@@ -38,7 +39,8 @@ void main()
 )";
 
 inline constexpr const char* kItemFragment = R"(#version 330 compatibility
-centroid in vec3 eyePosition, eyeNormal;
+in vec3 eyePosition;
+centroid in vec3 eyeNormal;
 centroid in vec4 vertexColor;
 uniform vec4 itemColor;
 uniform vec3 eyeUp;

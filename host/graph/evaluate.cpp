@@ -250,7 +250,8 @@ void callCompute(Cell& cell)
     {
         MDataBlock  block = HandleAccess::block(&node);
         const MPlug plug = PlugAccess::lend(cell);
-        status = node.user->compute(plug, block);
+        if (!node.type->computeBase || !node.type->computeBase(node, cell))
+            status = node.user ? node.user->compute(plug, block) : MStatus(MS::kUnknownParameter);
     }
     cell.flags &= ~Cell::kComputing;
     s.node = outer;
@@ -272,7 +273,7 @@ void compute(Cell& cell)
         reportCycle(cell);
         return;
     }
-    if (!cell.node->user) {
+    if (!cell.node->user && !cell.node->type->computeBase) {
         clean(cell);
         return;
     }

@@ -66,6 +66,8 @@ void NodeType::inherit(NodeType* from)
         make = from->make;
     if (!onDirty)
         onDirty = from->onDirty;
+    if (!computeBase)
+        computeBase = from->computeBase;
 }
 
 bool NodeType::addAffects(const Attribute& when, const Attribute& what)

@@ -37,6 +37,9 @@ public:
     /// Dirt that crosses the DAG or that the affects table cannot tell: called when an attribute of a node gets dirty,
     /// adds the cells that are dirty too. Evaluates nothing.
     void       (*onDirty)(Node&, const Attribute&, std::vector<Cell*>& alsoDirty) = nullptr;
+    /// Computes attributes of the host's own base types, whatever the class built on them does with its plugs. False if
+    /// the cell is none of them.
+    bool       (*computeBase)(Node&, Cell&) = nullptr;
     size_t       order = 0;                   ///< of registration
 
     std::vector<Ref<Attribute>>    table;

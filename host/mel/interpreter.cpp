@@ -1,11 +1,11 @@
 #include "mel/interpreter.h"
 
-#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <list>
 #include <sstream>
 
+#include "command/message.h"
 #include "mel/compiler.h"
 #include "mel/machine.h"
 #include "mel/native.h"
@@ -222,18 +222,20 @@ void print(std::string_view text)
     if (g_sinks.print)
         g_sinks.print(text);
     else
-        std::fwrite(text.data(), 1, text.size(), stdout);
+        mirk::message::print(std::string(text));
 }
 
 void message(Severity severity, std::string_view text)
 {
     if (g_sinks.message)
+        return g_sinks.message(severity, text);
+    switch (severity)
     {
-        g_sinks.message(severity, text);
-        return;
+    case Severity::kInfo:    mirk::message::info(std::string(text)); break;
+    case Severity::kWarning: mirk::message::warning(std::string(text)); break;
+    case Severity::kError:   mirk::message::error(std::string(text)); break;
+    case Severity::kResult:  mirk::message::result(std::string(text)); break;
     }
-    static const char* const kinds[] = {"", "Warning: ", "Error: ", "Result: "};
-    std::fprintf(stderr, "// %s%.*s //\n", kinds[int(severity)], int(text.size()), text.data());
 }
 
 void                     setScriptPath(std::vector<std::string> folders) { g_scriptPath = std::move(folders); }

@@ -30,7 +30,7 @@ struct Sinks
     void (*print)(std::string_view) = nullptr;
     void (*message)(Severity, std::string_view) = nullptr;
 };
-/// Set by the host. Without sinks text goes to standard output and messages to standard error.
+/// What has no sink goes to the host's messages.
 void setSinks(Sinks sinks);
 void print(std::string_view text);
 void message(Severity severity, std::string_view text);

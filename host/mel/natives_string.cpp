@@ -265,16 +265,24 @@ const Native kRows[] = {
     FN("stringToStringArray", "ss", 'S', split(c.s(0), c.s(1))),
     {"tokenizeList", "sS", 'i', [](NativeCall& c) { assign(c.strings(1), split(c.s(0), " \t\r\n,")); c.give(int32_t(c.strings(1).size())); }},
 
-    {"format", "s|x*", 's', [](NativeCall& c) {
+    // format("^1s", a) or format -stringArg a "^1s"
+    {"format", "x*", 's', [](NativeCall& c) {
          std::vector<std::string> args;
-         for (int k = 1; k < c.count(); ++k)
+         std::string              pattern;
+         bool                     found = false;
+         for (int k = 0; k < c.count(); ++k)
          {
-             if (c.x(k).kind() == Value::kString && (c.x(k).get<std::string>() == "-stringArg" || c.x(k).get<std::string>() == "-s"))
-                 continue;
-             for (std::string& s : c.x(k).asStrings())
-                 args.push_back(std::move(s));
+             const bool flag = c.x(k).kind() == Value::kString && (c.x(k).get<std::string>() == "-stringArg" || c.x(k).get<std::string>() == "-s");
+             if (!flag && !found)
+             {
+                 pattern = c.x(k).asString();
+                 found = true;
+             }
+             else if (!flag || ++k < c.count())
+                 for (std::string& s : c.x(k).asStrings())
+                     args.push_back(std::move(s));
          }
-         c.give(formatted(c.s(0), args));
+         c.give(formatted(pattern, args));
      }},
 };
 

@@ -82,7 +82,7 @@ bool setTable(MeshBody& body, const MFloatArray& u, const MFloatArray& v)
 {
     if (u.length() != v.length())
         return false;
-    auto uvs = make<Buffer<Float2>>(u.length());
+    auto uvs = make<Buffer<F2>>(u.length());
     for (unsigned i = 0; i < u.length(); ++i)
         (*uvs)[i] = {u[i], v[i]};
     body.writeUVSet(0).uvs = std::move(uvs);

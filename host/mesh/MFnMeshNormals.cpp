@@ -11,11 +11,11 @@ namespace {
 enum class Kind { normal, direction };
 
 /// Values of `from`, taken to a space, into an array of vectors.
-void putAll(const Buffer<Float3>& from, const SpaceMatrix& m, Kind kind, MFloatVectorArray& array)
+void putAll(const Buffer<F3>& from, const SpaceMatrix& m, Kind kind, MFloatVectorArray& array)
 {
     MFloatVector* out = room(array, from.size());
-    for (const Float3& v : from) {
-        const Float3 w = kind == Kind::normal ? m.normalOut(v) : m.directionOut(v);
+    for (const F3& v : from) {
+        const F3 w = kind == Kind::normal ? m.normalOut(v) : m.directionOut(v);
         *out++ = MFloatVector(w.v);
     }
 }
@@ -127,7 +127,7 @@ MStatus MFnMesh::getPolygonNormal(int face, MVector& normal, MSpace::Space space
 
 namespace {
 
-using Part = Buffer<Float3> Tangents::*;
+using Part = Buffer<F3> Tangents::*;
 
 MStatus cornerVector(const MeshBody* b, MeshTarget* target, Part part, int face, int vertex, MVector& result,
                      MSpace::Space space, const MString* uvSet)
@@ -238,11 +238,11 @@ bool cornersOf(const Topology& t, const MIntArray& faces, const MIntArray& verti
     return true;
 }
 
-std::vector<Float3> toObject(const MVectorArray& normals, const SpaceMatrix& m)
+std::vector<F3> toObject(const MVectorArray& normals, const SpaceMatrix& m)
 {
-    std::vector<Float3> result(normals.length());
+    std::vector<F3> result(normals.length());
     for (unsigned i = 0; i < normals.length(); ++i)
-        result[i] = m.normalIn(toFloat3(normals[i]));
+        result[i] = m.normalIn(toF3(normals[i]));
     return result;
 }
 
@@ -262,7 +262,7 @@ MStatus MFnMesh::setVertexNormals(MVectorArray& normals, MIntArray& vertices, MS
         return MS::kFailure;
     if (normals.length() != vertices.length() || !allWithin(vertices, b->vertexCount()))
         return MS::kInvalidParameter;
-    const std::vector<Float3> values = toObject(normals, target_->matrix(space, *b));
+    const std::vector<F3> values = toObject(normals, target_->matrix(space, *b));
     b->lockVertexNormals(values.data(), begin(vertices), values.size());
     target_->changed();
     return MS::kSuccess;
@@ -283,7 +283,7 @@ MStatus MFnMesh::setFaceVertexNormals(MVectorArray& normals, MIntArray& faces, M
     std::vector<int> corners;
     if (normals.length() != faces.length() || !cornersOf(b->topology(), faces, vertices, corners))
         return MS::kInvalidParameter;
-    const std::vector<Float3> values = toObject(normals, target_->matrix(space, *b));
+    const std::vector<F3> values = toObject(normals, target_->matrix(space, *b));
     b->lockCornerNormals(values.data(), corners.data(), corners.size());
     target_->changed();
     return MS::kSuccess;
@@ -297,7 +297,7 @@ MStatus MFnMesh::lockVertexNormals(MIntArray& vertices)
     if (!allWithin(vertices, b->vertexCount()))
         return MS::kInvalidParameter;
     std::vector<int> corners;
-    std::vector<Float3> values;
+    std::vector<F3> values;
     for (unsigned i = 0; i < vertices.length(); ++i)
         for (int c : b->topology().vertexCorners()[vertices[i]]) {
             corners.push_back(c);
@@ -328,7 +328,7 @@ MStatus MFnMesh::lockFaceVertexNormals(MIntArray& faces, MIntArray& vertices)
     std::vector<int> corners;
     if (!cornersOf(b->topology(), faces, vertices, corners))
         return MS::kInvalidParameter;
-    std::vector<Float3> values;
+    std::vector<F3> values;
     for (int c : corners)
         values.push_back(b->cornerNormals().at(c));
     b->lockCornerNormals(values.data(), corners.data(), corners.size());

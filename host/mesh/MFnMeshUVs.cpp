@@ -136,7 +136,7 @@ MStatus MFnMesh::getUVs(MFloatArray& u, MFloatArray& v, const MString* name) con
         return missing(b);
     float* us = room(u, set->uvs->size());
     float* vs = room(v, set->uvs->size());
-    for (const Float2& w : *set->uvs) {
+    for (const F2& w : *set->uvs) {
         *us++ = w.u;
         *vs++ = w.v;
     }
@@ -153,7 +153,7 @@ MStatus MFnMesh::setUVs(const MFloatArray& u, const MFloatArray& v, const MStrin
         return MS::kInvalidParameter;
     if (u.length() < set->uvs->size())
         return MS::kFailure;
-    auto uvs = make<Buffer<Float2>>(u.length());
+    auto uvs = make<Buffer<F2>>(u.length());
     for (unsigned i = 0; i < u.length(); ++i)
         (*uvs)[i] = {u[i], v[i]};
     // moved UVs leave the lists of each vertex's UVs as they are
@@ -179,7 +179,7 @@ MStatus MFnMesh::setUV(int id, float u, float v, const MString* name)
     const int set = b ? uvSetOf(*b, name) : -1;
     if (set < 0 || id < 0 || id > 1 << 28)
         return missing(b);
-    Buffer<Float2>& uvs = detach(b->writeUVSets().sets[size_t(set)].uvs);
+    Buffer<F2>& uvs = detach(b->writeUVSets().sets[size_t(set)].uvs);
     while (uvs.size() <= size_t(id))
         uvs.push({0, 0});
     uvs[id] = {u, v};
@@ -276,7 +276,7 @@ MStatus MFnMesh::clearUVs(const MString* name)
     if (set < 0)
         return missing(b);
     UVSet& s = b->writeUVSet(set);
-    s.uvs = make<Buffer<Float2>>();
+    s.uvs = make<Buffer<F2>>();
     s.ids = nullptr;
     target_->changed();
     return MS::kSuccess;

@@ -106,7 +106,7 @@ MStatus MItMeshFaceVertex::getNormal(MVector& normal, MSpace::Space space) const
 
 namespace {
 
-MVector vectorOf(const MeshWalk& walk, Buffer<Float3> Tangents::*part, MSpace::Space space, const MString* name, MStatus* s)
+MVector vectorOf(const MeshWalk& walk, Buffer<F3> Tangents::*part, MSpace::Space space, const MString* name, MStatus* s)
 {
     const int c = current(walk, s);
     const int set = c < 0 ? -1 : uvSetOf(walk.body(), name);
@@ -151,7 +151,7 @@ MStatus MItMeshFaceVertex::getUV(float2& uv, const MString* name) const
     int id = -1;
     const MStatus status = getUVIndex(id, name);
     if (status) {
-        const Float2 w = (*walk_->uvSet(name)->uvs)[id];
+        const F2 w = (*walk_->uvSet(name)->uvs)[id];
         uv[0] = w.u;
         uv[1] = w.v;
     }

@@ -456,7 +456,7 @@ MStatus MItMeshPolygon::getUV(int place, float2& uv, const MString* name)
     int id = -1;
     const MStatus status = getUVIndex(place, id, name);
     if (status) {
-        const Float2 w = (*walk_->uvSet(name)->uvs)[id];
+        const F2 w = (*walk_->uvSet(name)->uvs)[id];
         uv[0] = w.u;
         uv[1] = w.v;
     }

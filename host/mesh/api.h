@@ -39,10 +39,10 @@ inline MPoint toPoint(const float* p, const SpaceMatrix& space)
     space.pointOut(p, d);
     return MPoint(d[0], d[1], d[2]);
 }
-inline MVector toVector(const Float3& n) { return MVector(n.v[0], n.v[1], n.v[2]); }
-inline MVector toNormal(const Float3& n, const SpaceMatrix& space) { return toVector(space.normalOut(n)); }
+inline MVector toVector(const F3& n) { return MVector(n.v[0], n.v[1], n.v[2]); }
+inline MVector toNormal(const F3& n, const SpaceMatrix& space) { return toVector(space.normalOut(n)); }
 template <class V>
-Float3 toFloat3(const V& v) { return {{float(v.x), float(v.y), float(v.z)}}; }
+F3 toF3(const V& v) { return {{float(v.x), float(v.y), float(v.z)}}; }
 
 /// The set a call means: the named one, or the current one without a name; -1 if there is none.
 inline int uvSetOf(const MeshBody& body, const MString* name)

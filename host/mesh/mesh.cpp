@@ -70,9 +70,9 @@ void MeshBody::bakeMatrix()
         space.pointOut(p, p);
     if (locked_) {
         LockedNormals& l = detach(locked_);
-        for (Float3& n : l.vertex)
+        for (F3& n : l.vertex)
             n = space.normalOut(n);
-        for (Float3& n : l.corner)
+        for (F3& n : l.corner)
             n = space.normalOut(n);
     }
     identity = true;
@@ -182,19 +182,19 @@ bool MeshBody::normalLocked(int corner) const
 
 namespace {
 
-void makeRoom(Buffer<Float3>& normals, Buffer<uint8_t>& flags, size_t n)
+void makeRoom(Buffer<F3>& normals, Buffer<uint8_t>& flags, size_t n)
 {
     if (flags.size() == n)
         return;
     normals.resize(n);
     flags.resize(n);
-    std::fill(normals.begin(), normals.end(), Float3{});
+    std::fill(normals.begin(), normals.end(), F3{});
     std::fill(flags.begin(), flags.end(), uint8_t(0));
 }
 
 }  // namespace
 
-void MeshBody::lockVertexNormals(const Float3* normals, const int* vertices, size_t count)
+void MeshBody::lockVertexNormals(const F3* normals, const int* vertices, size_t count)
 {
     if (!count)
         return;
@@ -210,7 +210,7 @@ void MeshBody::lockVertexNormals(const Float3* normals, const int* vertices, siz
     }
 }
 
-void MeshBody::lockCornerNormals(const Float3* normals, const int* corners, size_t count)
+void MeshBody::lockCornerNormals(const F3* normals, const int* corners, size_t count)
 {
     if (!count)
         return;

@@ -22,15 +22,15 @@ namespace mirk {
 /// Normals of the corners: a table of distinct normals and one index into it a corner.
 struct CornerNormals : Counted<CornerNormals>
 {
-    Buffer<Float3>  table;
+    Buffer<F3>  table;
     Buffer<int> ids;
-    const Float3& at(int corner) const { return table[ids[corner]]; }
+    const F3& at(int corner) const { return table[ids[corner]]; }
 };
 
 /// Unit tangents and binormals of the corners; zero where the UVs are missing or degenerate.
 struct Tangents : Counted<Tangents>
 {
-    Buffer<Float3> tangents, binormals;
+    Buffer<F3> tangents, binormals;
 };
 
 struct UVSet
@@ -38,7 +38,7 @@ struct UVSet
     struct Tables : Counted<Tables> { Lazy<Lists> ofVertex; };
 
     std::string      name;
-    Ref<Buffer<Float2>>  uvs = make<Buffer<Float2>>();
+    Ref<Buffer<F2>>  uvs = make<Buffer<F2>>();
     Ref<Buffer<int>> ids;                   ///< one a corner, -1 unassigned; null while nothing is assigned
     Ref<Tables>      derived = make<Tables>();
 
@@ -97,7 +97,7 @@ struct ColorSets : Counted<ColorSets>
 /// Normals set by hand, which points do not change. Buffers are empty or have one entry a vertex or corner.
 struct LockedNormals : Counted<LockedNormals>
 {
-    Buffer<Float3>      vertex, corner;              ///< a corner's normal wins over its vertex's
+    Buffer<F3>      vertex, corner;              ///< a corner's normal wins over its vertex's
     Buffer<uint8_t> vertexLocked, cornerLocked;
 };
 
@@ -140,10 +140,10 @@ public:
     void bakeMatrix();
 
     // what follows from points and faces; unit length, zero where degenerate
-    const Buffer<Float3>&  faceNormals() const;
+    const Buffer<F3>&  faceNormals() const;
     const Buffer<int>& triangles() const;                        ///< three corners each, see triangulate()
     /// Mean of the normals of a vertex's faces, plain or weighted by their angles; of a locked vertex its own.
-    const Buffer<Float3>&  vertexNormals(bool angleWeighted) const;
+    const Buffer<F3>&  vertexNormals(bool angleWeighted) const;
     /// Smooth across smooth edges (weighted by angle), split at hard ones; locked ones as they are.
     const CornerNormals& cornerNormals() const;
     bool vertexNormalsBuilt() const { return locked_ ? shading_->vertices.built() : surface_->vertexNormals.built(); }
@@ -163,8 +163,8 @@ public:
     // locked normals, in object space
     const LockedNormals* locked() const { return locked_.get(); }
     bool normalLocked(int corner) const;
-    void lockVertexNormals(const Float3* normals, const int* vertices, size_t count);   ///< vertices exist
-    void lockCornerNormals(const Float3* normals, const int* corners, size_t count);    ///< corners exist
+    void lockVertexNormals(const F3* normals, const int* vertices, size_t count);   ///< vertices exist
+    void lockCornerNormals(const F3* normals, const int* corners, size_t count);    ///< corners exist
     void unlockVertices(const int* vertices, size_t count);
     void unlockCorners(const int* corners, size_t count);
 
@@ -194,7 +194,7 @@ public:
 private:
     struct Surface : Counted<Surface>
     {
-        Lazy<Buffer<Float3>>  faceNormals, vertexNormals, vertexNormalsWeighted;
+        Lazy<Buffer<F3>>  faceNormals, vertexNormals, vertexNormalsWeighted;
         Lazy<Buffer<int>> triangles;
         bool built() const
         {
@@ -204,7 +204,7 @@ private:
     struct Shading : Counted<Shading>
     {
         Lazy<CornerNormals> corners;
-        Lazy<Buffer<Float3>>    vertices, verticesWeighted;   // with locked ones
+        Lazy<Buffer<F3>>    vertices, verticesWeighted;   // with locked ones
         bool built() const { return corners.built() || vertices.built() || verticesWeighted.built(); }
     };
     struct TangentCache : Counted<TangentCache>
@@ -226,7 +226,7 @@ private:
     void dropShading() { drop(shading_); dropTangents(); }
     void dropTangents() { drop(tangents_); }
     Ref<CornerNormals> buildCornerNormals() const;
-    Ref<Buffer<Float3>>    vertexNormalsWithLocks(bool angleWeighted) const;
+    Ref<Buffer<F3>>    vertexNormalsWithLocks(bool angleWeighted) const;
     Ref<Tangents>      buildTangents(const UVSet& set) const;
     void toCornerColors(ColorSet& set);
 

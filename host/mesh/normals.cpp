@@ -19,9 +19,9 @@ Vec3 areaVector(const Topology& t, const float* points, int f)
 
 namespace {
 
-Ref<Buffer<Float3>> buildFaceNormals(const Topology& t, const float* points)
+Ref<Buffer<F3>> buildFaceNormals(const Topology& t, const float* points)
 {
-    auto normals = make<Buffer<Float3>>(size_t(t.faceCount()));
+    auto normals = make<Buffer<F3>>(size_t(t.faceCount()));
     for (int f = 0; f < t.faceCount(); ++f)
         (*normals)[f] = unit(areaVector(t, points, f));
     return normals;
@@ -37,25 +37,25 @@ float cornerAngle(const Topology& t, const float* points, int corner, int face)
     return float(std::atan2(length(cross(a, b)), dot(a, b)));
 }
 
-Ref<Buffer<Float3>> buildVertexNormals(const Topology& t, const float* points, const Buffer<Float3>& faceNormals, bool weighted)
+Ref<Buffer<F3>> buildVertexNormals(const Topology& t, const float* points, const Buffer<F3>& faceNormals, bool weighted)
 {
-    auto normals = make<Buffer<Float3>>(size_t(t.vertexCount()), Float3{});
-    Buffer<Float3>& n = *normals;
+    auto normals = make<Buffer<F3>>(size_t(t.vertexCount()), F3{});
+    Buffer<F3>& n = *normals;
     for (int f = 0; f < t.faceCount(); ++f)
         for (int c = t.first(f); c < t.first(f + 1); ++c) {
             const float w = weighted ? cornerAngle(t, points, c, f) : 1.0f;
-            Float3& sum = n[t.connects()[c]];
+            F3& sum = n[t.connects()[c]];
             for (int k = 0; k < 3; ++k)
                 sum.v[k] += w * faceNormals[f].v[k];
         }
-    for (Float3& sum : n)
+    for (F3& sum : n)
         sum = unit(Vec3(sum.v));
     return normals;
 }
 
 }  // namespace
 
-const Buffer<Float3>& MeshBody::faceNormals() const
+const Buffer<F3>& MeshBody::faceNormals() const
 {
     return surface_->faceNormals.get([this] { return buildFaceNormals(*topology_, points()); });
 }
@@ -65,7 +65,7 @@ const Buffer<int>& MeshBody::triangles() const
     return surface_->triangles.get([this] { return triangulate(*topology_, points()); });
 }
 
-const Buffer<Float3>& MeshBody::vertexNormals(bool weighted) const
+const Buffer<F3>& MeshBody::vertexNormals(bool weighted) const
 {
     if (locked_) {
         auto& lazy = weighted ? shading_->verticesWeighted : shading_->vertices;
@@ -75,10 +75,10 @@ const Buffer<Float3>& MeshBody::vertexNormals(bool weighted) const
     return lazy.get([&] { return buildVertexNormals(*topology_, points(), faceNormals(), weighted); });
 }
 
-Ref<Buffer<Float3>> MeshBody::vertexNormalsWithLocks(bool weighted) const
+Ref<Buffer<F3>> MeshBody::vertexNormalsWithLocks(bool weighted) const
 {
     auto normals = buildVertexNormals(*topology_, points(), faceNormals(), weighted);
-    Buffer<Float3>& n = *normals;
+    Buffer<F3>& n = *normals;
     for (size_t v = 0; v < locked_->vertexLocked.size(); ++v)
         if (locked_->vertexLocked[v])
             n[v] = locked_->vertex[v];
@@ -144,13 +144,13 @@ Ref<CornerNormals> MeshBody::buildCornerNormals() const
     auto result = make<CornerNormals>();
     result->ids.resize(size_t(t.cornerCount()));
     if (!hard_ && !locked_) {   // one normal a vertex
-        const Buffer<Float3>& n = vertexNormals(true);
+        const Buffer<F3>& n = vertexNormals(true);
         result->table.resize(n.size());
         std::copy(n.begin(), n.end(), result->table.begin());
         std::copy(t.connects().begin(), t.connects().end(), result->ids.begin());
         return result;
     }
-    const Buffer<Float3>& faces = faceNormals();
+    const Buffer<F3>& faces = faceNormals();
     const bool lockedVertices = locked_ && !locked_->vertexLocked.empty();
     const bool lockedCorners = locked_ && !locked_->cornerLocked.empty();
     std::vector<int> idOfRoot;
@@ -220,7 +220,7 @@ Gradient uvGradient(const UVSet& set, const Buffer<int>& connects, const float* 
         return {};
     const Vec3 p0(points + 3 * connects[c0]);
     const Vec3 e1 = Vec3(points + 3 * connects[c1]) - p0, e2 = Vec3(points + 3 * connects[c2]) - p0;
-    const Float2 w0 = (*set.uvs)[i0], w1 = (*set.uvs)[i1], w2 = (*set.uvs)[i2];
+    const F2 w0 = (*set.uvs)[i0], w1 = (*set.uvs)[i1], w2 = (*set.uvs)[i2];
     const double u1 = double(w1.u) - w0.u, v1 = double(w1.v) - w0.v, u2 = double(w2.u) - w0.u, v2 = double(w2.v) - w0.v;
     const double area = u1 * v2 - u2 * v1;
     if (area == 0 || !std::isfinite(area))
@@ -247,7 +247,7 @@ Ref<Tangents> MeshBody::buildTangents(const UVSet& set) const
             Vec3 binormal = cross(n, tangent);
             if (dot(binormal, g.v) < 0)   // mirrored UVs
                 binormal = binormal * -1.0;
-            result->tangents[c] = tangent.float3();
+            result->tangents[c] = tangent.f3();
             result->binormals[c] = unit(binormal);
         }
     return result;

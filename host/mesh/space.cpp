@@ -21,18 +21,18 @@ SpaceMatrix::SpaceMatrix(const double m[4][4])
     std::memcpy(inverse_, inverse.matrix, sizeof inverse_);
 }
 
-Float3 SpaceMatrix::times(const Matrix& m, const Float3& v, bool transposed)
+F3 SpaceMatrix::times(const Matrix& m, const F3& v, bool transposed)
 {
-    Float3 r;
+    F3 r;
     for (int k = 0; k < 3; ++k)
         r.v[k] = transposed ? float(v.v[0] * m[k][0] + v.v[1] * m[k][1] + v.v[2] * m[k][2])
                             : float(v.v[0] * m[0][k] + v.v[1] * m[1][k] + v.v[2] * m[2][k]);
     return r;
 }
 
-Float3 SpaceMatrix::keepLength(const Float3& from, const Float3& to)
+F3 SpaceMatrix::keepLength(const F3& from, const F3& to)
 {
-    const auto length = [](const Float3& a) { return std::sqrt(double(a.v[0]) * a.v[0] + double(a.v[1]) * a.v[1] + double(a.v[2]) * a.v[2]); };
+    const auto length = [](const F3& a) { return std::sqrt(double(a.v[0]) * a.v[0] + double(a.v[1]) * a.v[1] + double(a.v[2]) * a.v[2]); };
     const double l = length(to);
     if (!(l > 0))
         return to;

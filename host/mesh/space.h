@@ -21,10 +21,10 @@ public:
     template <class A, class B>
     void pointIn(const A* from, B* to) const { active_ ? through(inverse_, from, to) : same(from, to); }
     /// Directions, tangents for one: without the translation, of the length they had.
-    Float3 directionOut(const Float3& d) const { return active_ ? keepLength(d, times(m_, d, false)) : d; }
+    F3 directionOut(const F3& d) const { return active_ ? keepLength(d, times(m_, d, false)) : d; }
     /// A normal keeps its length.
-    Float3 normalOut(const Float3& n) const { return active_ ? keepLength(n, times(inverse_, n, true)) : n; }
-    Float3 normalIn(const Float3& n) const { return active_ ? keepLength(n, times(m_, n, true)) : n; }
+    F3 normalOut(const F3& n) const { return active_ ? keepLength(n, times(inverse_, n, true)) : n; }
+    F3 normalIn(const F3& n) const { return active_ ? keepLength(n, times(m_, n, true)) : n; }
 
 private:
     using Matrix = double[4][4];
@@ -41,8 +41,8 @@ private:
         for (int k = 0; k < 3; ++k)
             to[k] = B(x * m[0][k] + y * m[1][k] + z * m[2][k] + m[3][k]);
     }
-    static Float3 times(const Matrix& m, const Float3& v, bool transposed);
-    static Float3 keepLength(const Float3& from, const Float3& to);
+    static F3 times(const Matrix& m, const F3& v, bool transposed);
+    static F3 keepLength(const F3& from, const F3& to);
 
     bool   active_ = false, invertible_ = true;
     Matrix m_ = {}, inverse_ = {};

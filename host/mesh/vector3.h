@@ -5,8 +5,8 @@
 
 namespace mirk {
 
-struct Float2 { float u, v; };
-struct Float3 { float v[3]; };
+struct F2 { float u, v; };
+struct F3 { float v[3]; };
 
 struct Vec3
 {
@@ -18,7 +18,7 @@ struct Vec3
     Vec3  operator-(const Vec3& o) const { return {x - o.x, y - o.y, z - o.z}; }
     Vec3  operator*(double s) const { return {x * s, y * s, z * s}; }
     Vec3& operator+=(const Vec3& o) { x += o.x; y += o.y; z += o.z; return *this; }
-    Float3    float3() const { return {{float(x), float(y), float(z)}}; }
+    F3    f3() const { return {{float(x), float(y), float(z)}}; }
 };
 
 inline double dot(const Vec3& a, const Vec3& b) { return a.x * b.x + a.y * b.y + a.z * b.z; }
@@ -28,10 +28,10 @@ inline Vec3   cross(const Vec3& a, const Vec3& b)
 }
 inline double length(const Vec3& a) { return std::sqrt(dot(a, a)); }
 /// Of length 1; zero for a zero vector.
-inline Float3 unit(const Vec3& a)
+inline F3 unit(const Vec3& a)
 {
     const double l = length(a);
-    return l > 0 ? (a * (1 / l)).float3() : Float3{};
+    return l > 0 ? (a * (1 / l)).f3() : F3{};
 }
 
 }  // namespace mirk

@@ -85,7 +85,7 @@ MStatus MeshWalk::setPoint(int vertex, const MPoint& point, MSpace::Space space)
     if (!body || !within(vertex, body->vertexCount()))
         return MS::kFailure;
     if (!vertexNormals_ && body->vertexNormalsBuilt())
-        vertexNormals_ = Ref<const Buffer<Float3>>(&body->vertexNormals(false));
+        vertexNormals_ = Ref<const Buffer<F3>>(&body->vertexNormals(false));
     if (!cornerNormals_ && body->cornerNormalsBuilt())
         cornerNormals_ = Ref<const CornerNormals>(&body->cornerNormals());
     m.pointIn(&point.x, body->writePoints() + 3 * vertex);

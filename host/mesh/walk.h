@@ -46,8 +46,8 @@ public:
 
     // Normals that stay those from before this iterator moved a point, until refresh(): so a loop that reads a normal
     // and moves a point does not compute all normals at every step.
-    const Float3& vertexNormal(int vertex) const { return (vertexNormals_ ? *vertexNormals_ : body_->vertexNormals(false))[vertex]; }
-    const Float3& cornerNormal(int corner) const { return (cornerNormals_ ? *cornerNormals_ : body_->cornerNormals()).at(corner); }
+    const F3& vertexNormal(int vertex) const { return (vertexNormals_ ? *vertexNormals_ : body_->vertexNormals(false))[vertex]; }
+    const F3& cornerNormal(int corner) const { return (cornerNormals_ ? *cornerNormals_ : body_->cornerNormals()).at(corner); }
 
     /// The named set or the current one; null if there is none or the walk is over.
     const UVSet* uvSet(const MString* name) const
@@ -89,7 +89,7 @@ private:
     std::vector<int>            items_;
     bool                        listed_ = false;
     int                         place_ = 0, count_ = 0;
-    Ref<const Buffer<Float3>>   vertexNormals_;
+    Ref<const Buffer<F3>>   vertexNormals_;
     Ref<const CornerNormals>    cornerNormals_;
     Ref<Component>              item_;
 };

@@ -1,8 +1,6 @@
 #include <maya/M3dView.h>
 
-#if __has_include(<maya/MDagPath.h>)
 #include <maya/MDagPath.h>
-#endif
 
 #include <algorithm>
 #include <cmath>
@@ -50,7 +48,6 @@ int M3dView::portHeight(MStatus* ReturnStatus) const
     return activeViewport().frame.camera.height;
 }
 
-#if __has_include(<maya/MDagPath.h>)
 MStatus M3dView::getCamera(MDagPath& camera) const
 {
     const auto& path = activeViewport().frame.cameraPath;
@@ -59,7 +56,6 @@ MStatus M3dView::getCamera(MDagPath& camera) const
     camera = *path;
     return MStatus::kSuccess;
 }
-#endif
 
 MStatus M3dView::modelViewMatrix(MMatrix& modelViewMatrix) const
 {

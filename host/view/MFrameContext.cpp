@@ -1,9 +1,7 @@
 #include <maya/MDrawContext.h>
 #include <maya/MFrameContext.h>
 
-#if __has_include(<maya/MDagPath.h>)
 #include <maya/MDagPath.h>
-#endif
 
 #include <cmath>
 #include <cstring>
@@ -99,12 +97,10 @@ bool MFrameContext::worldToViewport(const MPoint& worldPoint, double& x, double&
     return mirk::view::project(data_->camera, worldPoint, x, y);
 }
 
-#if __has_include(<maya/MDagPath.h>)
 MDagPath MFrameContext::getCurrentCameraPath(MStatus* ReturnStatus) const
 {
     setStatus(ReturnStatus, data_->cameraPath ? MStatus::kSuccess : MStatus::kFailure);
     return data_->cameraPath ? *data_->cameraPath : MDagPath();
 }
-#endif
 
 }  // namespace MHWRender

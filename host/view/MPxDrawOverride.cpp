@@ -1,9 +1,9 @@
 #include <maya/MPxDrawOverride.h>
 
+#include <maya/MDagPath.h>
+#include <maya/MFnDagNode.h>
 #include <maya/MUserData.h>
 
-#include "view/convert.h"
-#include "view/frame.h"
 #include "view/renderer.h"
 
 MUserData::~MUserData() = default;
@@ -27,18 +27,10 @@ void    MPxDrawOverride::addUIDrawables(const MDagPath&, MUIDrawManager&, const 
 
 MBoundingBox MPxDrawOverride::boundingBox(const MDagPath& objPath, const MDagPath&) const
 {
-    const auto& hooks = mirk::view::sceneHooks();
-    double b[6];
-    if (!hooks.boundingBox || !hooks.boundingBox(objPath, b))
-        return MBoundingBox();
-    return MBoundingBox(MPoint(b[0], b[1], b[2]), MPoint(b[3], b[4], b[5]));
+    return MFnDagNode(objPath).boundingBox();
 }
 
-MMatrix MPxDrawOverride::transform(const MDagPath& objPath, const MDagPath&) const
-{
-    const auto& hooks = mirk::view::sceneHooks();
-    return hooks.inclusiveMatrix ? mirk::view::toMatrix(hooks.inclusiveMatrix(objPath)) : MMatrix();
-}
+MMatrix MPxDrawOverride::transform(const MDagPath& objPath, const MDagPath&) const { return objPath.inclusiveMatrix(); }
 
 MRenderer* MRenderer::theRenderer(bool initializeRenderer)
 {

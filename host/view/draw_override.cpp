@@ -8,26 +8,6 @@
 
 namespace mirk::view {
 
-namespace {
-
-/// While it lives, this thread's viewport is inside a callback for an object.
-class InCallback
-{
-public:
-    explicit InCallback(const FrameData& frame)
-    {
-        activeViewport().frame = frame;
-        activeViewport().inCallback = true;
-    }
-    ~InCallback()
-    {
-        activeViewport().inCallback = false;
-        activeViewport().legacyDepth = 0;
-    }
-};
-
-}  // namespace
-
 void DrawnObject::draw(const MDagPath& object, const MDagPath& camera, const FrameData& frame, uint32_t id, DrawList& list)
 {
     FrameData own = frame;

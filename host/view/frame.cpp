@@ -10,10 +10,16 @@ Viewport& activeViewport()
     return viewport;
 }
 
-SceneHooks& sceneHooks()
+InCallback::InCallback(const FrameData& frame)
 {
-    static SceneHooks hooks;
-    return hooks;
+    activeViewport().frame = frame;
+    activeViewport().inCallback = true;
+}
+
+InCallback::~InCallback()
+{
+    activeViewport().inCallback = false;
+    activeViewport().legacyDepth = 0;
 }
 
 Color statusColor(int displayStatus)
@@ -34,26 +40,3 @@ Color statusColor(int displayStatus)
 }
 
 }  // namespace mirk::view
-
-namespace MHWRender {
-
-MColor MGeometryUtilities::wireframeColor(const MDagPath& path, MStatus* ReturnStatus)
-{
-    const auto& hooks = mirk::view::sceneHooks();
-    const mirk::view::Color c = hooks.wireframeColor ? hooks.wireframeColor(path)
-                                                     : mirk::view::statusColor(displayStatus(path));
-    if (ReturnStatus)
-        *ReturnStatus = MStatus::kSuccess;
-    return {c.r, c.g, c.b, c.a};
-}
-
-DisplayStatus MGeometryUtilities::displayStatus(const MDagPath& path, MStatus* ReturnStatus)
-{
-    const auto& hooks = mirk::view::sceneHooks();
-    const int status = hooks.displayStatus ? hooks.displayStatus(path) : int(kDormant);
-    if (ReturnStatus)
-        *ReturnStatus = MStatus::kSuccess;
-    return status >= kActive && status <= kNoStatus ? DisplayStatus(status) : kNoStatus;
-}
-
-}  // namespace MHWRender

@@ -1,6 +1,5 @@
-// The frame being drawn, and what the viewport asks the scene about objects.
+// The frame being drawn.
 #pragma once
-#include <functional>
 #include <memory>
 
 #include "view/draw_list.h"
@@ -27,17 +26,15 @@ struct Viewport
 };
 Viewport& activeViewport();
 
-/// Answers of the scene about an object, set once by the code that knows the scene. What is not set has a neutral
-/// answer: dormant, the dormant colour, the identity, an empty box.
-struct SceneHooks
+/// While it lives, the viewport is inside an object's OpenGL callback.
+class InCallback
 {
-    std::function<int(const MDagPath&)>    displayStatus;     ///< as MHWRender::DisplayStatus
-    std::function<Color(const MDagPath&)>  wireframeColor;
-    std::function<Matrix(const MDagPath&)> inclusiveMatrix;
-    /// Object space, minimum then maximum; false if the object has no extent.
-    std::function<bool(const MDagPath&, double box[6])> boundingBox;
+public:
+    explicit InCallback(const FrameData& frame);
+    ~InCallback();
+    InCallback(const InCallback&) = delete;
+    InCallback& operator=(const InCallback&) = delete;
 };
-SceneHooks& sceneHooks();
 
 /// The wireframe colour that a display status has where the object asks for none of its own.
 Color statusColor(int displayStatus);

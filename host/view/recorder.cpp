@@ -99,6 +99,7 @@ void Recorder::addText(Space space, const Vec3& at, const std::string& text, Ali
         Item back = item(Primitive::kTriangles, space);
         back.state.color = *boxColor;
         back.state.lit = false;
+        back.state.transparent = true;
         for (int c = 0; c < 3; ++c)
             back.anchor[c] = onScreen ? 0.f : float(at[c]);
         const double x = (onScreen ? at[0] : 0) + (align == Align::kLeft ? 0 : align == Align::kCenter ? -box[0] / 2.0 : -box[0]);
@@ -111,7 +112,10 @@ void Recorder::addText(Space space, const Vec3& at, const std::string& text, Ali
     std::vector<float> strokes = textStrokes(text, fontSize);
     for (size_t i = 0; i < strokes.size(); i += 2)
         strokes[i] -= float(shift);
+    const State before = state;
+    state.transparent |= box && boxColor;   // in one layer with the box, so that it comes after it
     addStrokes(space, at, strokes, float(std::max(1.0, fontSize / 11)), text);
+    state = before;
 }
 
 }  // namespace mirk::view

@@ -81,8 +81,10 @@ MStatus arrayToPointAttribute::initialize()
 MStatus arrayToPointAttribute::compute(const MPlug& plug, MDataBlock& block)
 {
     const short state = nodeState(block);                                // node state
-    if (state == kHasNoEffect)
-        return block.outputValue(aOutGeo).copy(block.inputValue(aInGeo));
+    if (state == kHasNoEffect) {
+        block.outputValue(aOutGeo).copy(block.inputValue(aInGeo));
+        return MS::kSuccess;
+    }
     if (state == kBlocking || plug != aOutGeo)                           // plug test
         return MS::kUnknownParameter;
     if (!MPlug(thisMObject(), aInGeo).isConnected())                     // connection test
@@ -129,13 +131,13 @@ void arrayToPointAttribute::writePositions(MDataBlock& block, MDataHandle& geome
         return;
     }
     MPointArray points;
-    MItGeometry iterator(geometry, false);
-    if (subset.all())
+    MIntArray   ids;
+    if (subset.all()) {
         points.setLength(pointCount);   // every one is replaced
-    else
-        iterator.allPositions(points, MSpace::kWorld);
-
-    const MIntArray ids = subset.all() ? MIntArray() : subset.indices(points.length());
+    } else {
+        MItGeometry(geometry).allPositions(points, MSpace::kWorld);
+        ids = subset.indices(points.length());
+    }
     const auto      replace = [&](unsigned int i) {
         const double* xyz = array.doubles + 3 * static_cast<std::size_t>(i);
         points[i] = MPoint(xyz[0], xyz[1], xyz[2]);
@@ -151,7 +153,7 @@ void arrayToPointAttribute::writePositions(MDataBlock& block, MDataHandle& geome
         MObject mesh = geometry.asMeshTransformed();
         MFnMesh(mesh).setPoints(points, MSpace::kWorld);
     } else {
-        iterator.setAllPositions(points, MSpace::kWorld);
+        MItGeometry(geometry, false).setAllPositions(points, MSpace::kWorld);
     }
 }
 

@@ -68,8 +68,10 @@ MStatus arrayToPointColor::initialize()
 MStatus arrayToPointColor::compute(const MPlug& plug, MDataBlock& block)
 {
     const short state = nodeState(block);                                // node state
-    if (state == kHasNoEffect)
-        return block.outputValue(aOutGeo).copy(block.inputValue(aInGeo));
+    if (state == kHasNoEffect) {
+        block.outputValue(aOutGeo).copy(block.inputValue(aInGeo));
+        return MS::kSuccess;
+    }
     if (state == kBlocking || plug != aOutGeo)                           // plug test
         return MS::kUnknownParameter;
     if (!MPlug(thisMObject(), aInGeo).isConnected())                     // connection test

@@ -149,55 +149,55 @@ void gatherColors(const Points& points, const MString& colorSet, OutArray& rgba)
     });
 }
 
-void copyTo(OutArray& array, const std::vector<double>& values)
+/// How many UVs the point publishes; 0 if it has none.
+unsigned int uvCountAt(MItMeshVertex& vertex, const Points& points, unsigned int point, const MString* set)
 {
-    double* out = array.resize(static_cast<unsigned int>(values.size()));
-    std::copy(values.begin(), values.end(), out);
+    int previous = 0, count = 0;
+    if (!vertex.setIndex(static_cast<int>(point * points.step), previous) || !vertex.numUVs(count, set) || count < 1)
+        return 0;
+    return points.kind == MFnData::kNurbsCurve ? 1 : static_cast<unsigned int>(count);
 }
 
 /// All UVs of each point, and its shared one. A point that keeps its place with zeros counts no UV and has no other
-/// entry; a curve's point has its first UV only.
+/// entry, one without UVs has no entry at all; a curve's point has its first UV only.
 void gatherMap(const Points& points, const MString& uvSet, PointArrays& out)
 {
     const MString* set = uvSet.length() > 0 ? &uvSet : nullptr;
-    MFloatArray    us, vs;
+    MItMeshVertex  vertex(points.mesh);
+    unsigned int   counted = 0, total = 0, mapped = 0;
+    points.each([&](unsigned int i, bool read) {
+        const unsigned int count = read ? uvCountAt(vertex, points, i, set) : 0;
+        counted += !read || count > 0;
+        mapped += count > 0;
+        total += count;
+    });
+
+    MFloatArray us, vs;
     MFnMesh(points.mesh).getUVs(us, vs, set);
-    const unsigned int  uvTotal = std::min(us.length(), vs.length());
-    MItMeshVertex       vertex(points.mesh);
-    std::vector<double> counts, ids, pairs, shared;
-    counts.reserve(points.kept());
-    ids.reserve(uvTotal);
-    pairs.reserve(2 * static_cast<std::size_t>(uvTotal));
-    shared.reserve(2 * static_cast<std::size_t>(points.read()));
+    double*   counts = out.mapCounts.resize(counted);
+    double*   ids = out.mapIds.resize(total);
+    double*   pairs = out.map.resize(2 * total);
+    double*   shared = out.sharedMap.resize(2 * mapped);
     MIntArray uvIds;
     points.each([&](unsigned int i, bool read) {
-        if (!read) {
-            counts.push_back(0.0);
+        const unsigned int count = read ? uvCountAt(vertex, points, i, set) : 0;
+        if (!read || count > 0)
+            *counts++ = count;
+        if (count == 0)
             return;
-        }
-        int    previous = 0, uvCount = 0;
-        float2 uv = {0.0f, 0.0f};
-        if (!vertex.setIndex(static_cast<int>(i * points.step), previous) || !vertex.numUVs(uvCount, set) ||
-            uvCount < 1 || !vertex.getUVIndices(uvIds, set))
-            return;
-        const unsigned int wanted = points.kind == MFnData::kNurbsCurve ? 1 : static_cast<unsigned int>(uvCount);
-        const unsigned int used = std::min(wanted, uvIds.length());
-        counts.push_back(used);
-        for (unsigned int k = 0; k < used; ++k) {
-            const int  id = uvIds[k];
+        vertex.getUVIndices(uvIds, set);
+        for (unsigned int k = 0; k < count; ++k) {
+            const int  id = k < uvIds.length() ? uvIds[k] : 0;
             const auto at = static_cast<unsigned int>(id);
-            ids.push_back(id);
-            pairs.push_back(us[at]);
-            pairs.push_back(vs[at]);
+            *ids++ = id;
+            *pairs++ = us[at];
+            *pairs++ = vs[at];
         }
+        float2 uv = {0.0f, 0.0f};
         vertex.getUV(uv, set);
-        shared.push_back(uv[0]);
-        shared.push_back(uv[1]);
+        *shared++ = uv[0];
+        *shared++ = uv[1];
     });
-    copyTo(out.mapCounts, counts);
-    copyTo(out.mapIds, ids);
-    copyTo(out.map, pairs);
-    copyTo(out.sharedMap, shared);
 }
 
 /// Vertex normals alone, all at once: the same values that the walk of gatherFrames reads one by one.

@@ -15,6 +15,7 @@ class MPlug;
 class MPxData;
 class MString;
 class MTime;
+class MTypeId;
 class MVector;
 
 namespace mirk { struct Cell; struct HandleAccess; }

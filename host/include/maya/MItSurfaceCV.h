@@ -41,5 +41,9 @@ public:
     MStatus updateSurface();
 
 private:
+    int rowOfCurrent() const;
+
     mirk::CvWalk* walk_ = nullptr;
+    bool          useRows_ = true;
+    int           row_ = -1;   // of the CVs passed since reset or nextRow, -1 before the first
 };
