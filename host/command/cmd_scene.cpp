@@ -52,29 +52,95 @@ void mustExist(const std::string& path)
         fail("\"" + path + "\" is a folder and no file");
 }
 
-std::vector<Ref<Node>> importObj(const std::string& path, const Call& call)
+std::vector<NamedMesh> readMeshes(const std::string& path)
+{
+    std::vector<NamedMesh> meshes;
+    std::string            error;
+    if (!readObj(path, meshes, error))
+        fail(error);
+    return meshes;
+}
+
+/// A name that nodes may have; what others use becomes '_'.
+std::string nodeNameFrom(const std::string& name, const std::string& path)
+{
+    std::string out = name.empty() ? fs::path(path).stem().string() : name;
+    for (char& c : out)
+        if (!std::isalnum(static_cast<unsigned char>(c)))
+            c = '_';
+    if (out.empty() || std::isdigit(static_cast<unsigned char>(out[0])))
+        out.insert(0, "_");
+    return out;
+}
+
+std::vector<Ref<Node>> addMeshes(const std::vector<NamedMesh>& meshes, const std::string& path)
 {
     std::vector<Ref<Node>> out;
-    for (const io::ObjShape& object : io::readObj(path))
+    for (const NamedMesh& m : meshes)
     {
-        Node* transform = dag::createNode(findNodeType("transform"), object.name.empty() ? "polySurface#" : object.name);
+        Node* transform = dag::createNode(findNodeType("transform"), nodeNameFrom(m.name, path));
         Node* shape = dag::createNode(findNodeType("mesh"), transform->name + "Shape", transform);
-        const Attribute* in = shape->findAttribute("inMesh");
-        edit::setData(*shape->cell(in), object.mesh);
+        edit::setData(*shape->cell(shape->findAttribute("inMesh")), make<MeshData>(m.body));
         out.emplace_back(transform);
         out.emplace_back(shape);
     }
     return out;
 }
 
-/// Wanted characters of node names; what others use becomes '_'.
+/// Meshes of the scene in world space, all visible ones or those selected, with their transforms' names.
+std::vector<NamedMesh> worldMeshes(bool selectedOnly)
+{
+    std::vector<Path> paths;
+    const auto collect = [&](const Path& p) {
+        if (dynamic_cast<MeshSource*>(p.node()) && !boolAttr(*p.node(), "intermediateObject") && std::find(paths.begin(), paths.end(), p) == paths.end())
+            paths.push_back(p);
+        return true;
+    };
+    if (selectedOnly)
+        for (const Item& i : selection::get())
+        {
+            if (i.path.nodes.empty())
+                continue;
+            collect(i.path);
+            dag::descend(i.path, collect);
+        }
+    else
+        for (Node* n : scene().nodes())
+            if (isShape(*n))
+                for (const Path& p : dag::allPaths(*n))
+                    collect(p);
+    std::vector<NamedMesh> out;
+    for (const Path& p : paths)
+    {
+        const Ref<MeshData> mesh = dynamic_cast<MeshSource*>(p.node())->meshForRead();
+        if (!mesh)
+            continue;
+        auto body = make<MeshBody>(*mesh->body);
+        dag::inclusiveMatrix(p, body->matrix);
+        body->identity = false;
+        body->bakeMatrix();
+        out.push_back({p.nodes.size() > 1 ? p.nodes[p.nodes.size() - 2]->name : p.node()->name, body});
+    }
+    return out;
+}
+
+void writeMeshes(const std::string& path, bool selectedOnly)
+{
+    const std::vector<NamedMesh> meshes = worldMeshes(selectedOnly);
+    if (meshes.empty())
+        fail("There is no mesh to be written to \"" + path + "\"");
+    std::string error;
+    if (!writeObj(path, meshes, error))
+        fail(error);
+}
+
 Value importFile(Call& call, const std::string& path)
 {
     mustExist(path);
     std::vector<Ref<Node>> made;
     if (formatOf(call, path, "mayaAscii") == "OBJ")
     {
-        made = importObj(path, call);
+        made = addMeshes(readMeshes(path), path);
         std::vector<Item> items;
         for (size_t i = 0; i < made.size(); i += 2)
             items.push_back(itemOf(*made[i]));
@@ -99,7 +165,7 @@ Value exportFile(Call& call, const std::string& path, bool selectedOnly)
     if (!folder.empty() && !fs::is_directory(folder, ignored))
         fail("Cannot write file \"" + path + "\": there is no folder \"" + folder + "\"");
     if (formatOf(call, path, "mayaAscii") == "OBJ")
-        io::writeObj(path, selectedOnly);
+        writeMeshes(path, selectedOnly);
     else
         io::saveScene(path, selectedOnly);
     return Value(path);
@@ -122,10 +188,10 @@ Value openFile(Call& call, const std::string& path)
         fail("Unsaved changes: use the -force flag to discard them.");
     if (formatOf(call, path, "mayaAscii") == "OBJ")
     {
-        const auto shapes = io::readObj(path);   // a file that cannot be read leaves the scene
+        const std::vector<NamedMesh> meshes = readMeshes(path);   // a file that cannot be read leaves the scene
         newScene();
         io::forgetFileData();
-        importObj(path, call);
+        addMeshes(meshes, path);
         undo::flush();
     }
     else

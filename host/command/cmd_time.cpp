@@ -3,19 +3,13 @@
 #include <maya/MDistance.h>
 #include <maya/MTime.h>
 
+#include "api/playback.h"
 #include "command/cmd_util.h"
-#include "command/playback.h"
 #include "command/units_text.h"
 #include "graph/evaluate.h"
 #include "graph/undo.h"
 
 namespace mirk::command {
-
-Playback& playback()
-{
-    static Playback p;
-    return p;
-}
 
 namespace {
 
@@ -79,26 +73,17 @@ Value currentUnit(Call& call)
     return {};
 }
 
-Cell& timeCell()
-{
-    Node* time = scene().first("time1");
-    const Attribute* out = time ? time->findAttribute("outTime") : nullptr;
-    Cell* cell = out ? time->cell(out) : nullptr;
-    if (!cell)
-        fail("The scene has no time1 node");
-    return *cell;
-}
-
 constexpr Flag kCurrentTime[] = {{"u", "update", "b", kBoth}};
+
+double frames(double seconds) { return MTime(seconds, MTime::kSeconds).as(MTime::uiUnit()); }
 
 Value currentTime(Call& call)
 {
-    Cell& cell = timeCell();
     if (call.isQuery() || call.args.empty())
-        return Value(MTime(cell.number(), MTime::kSeconds).as(MTime::uiUnit()));
+        return Value(frames(playback::currentTime()));
     const double seconds = timeSeconds(call.args[0]);
-    edit::setNumber(cell, seconds);
-    return Value(MTime(seconds, MTime::kSeconds).as(MTime::uiUnit()));
+    playback::setCurrentTime(seconds);
+    return Value(frames(seconds));
 }
 
 constexpr Flag kPlayback[] = {
@@ -107,26 +92,28 @@ constexpr Flag kPlayback[] = {
     {"by", "by", "f", kBoth | kEdit}, {"v", "view", "s", kBoth | kEdit}, {"mps", "maxPlaybackSpeed", "f", kBoth | kEdit}, {"fps", "framesPerSecond", "", kQuery},
 };
 
-double frames(double seconds) { return MTime(seconds, MTime::kSeconds).as(MTime::uiUnit()); }
+/// What only the playback of a window would use; kept for whoever asks.
+struct Habits { std::string loop = "continuous", view = "active"; double maxSpeed = 0; };
 
 Value playbackOptions(Call& call)
 {
-    Playback& p = playback();
+    static Habits    habits;
+    playback::Range& p = playback::range();
     if (call.isQuery())
     {
         const struct { const char* flag; double value; } numbers[] = {
             {"minTime", frames(p.min)}, {"maxTime", frames(p.max)}, {"animationStartTime", frames(p.start)}, {"animationEndTime", frames(p.end)},
-            {"playbackSpeed", p.speed}, {"by", p.by}, {"maxPlaybackSpeed", p.maxSpeed}, {"framesPerSecond", frames(1)}};
+            {"playbackSpeed", p.speed}, {"by", p.by}, {"maxPlaybackSpeed", habits.maxSpeed}, {"framesPerSecond", frames(1)}};
         for (const auto& n : numbers)
             if (call.has(n.flag))
                 return Value(n.value);
         if (call.has("loop"))
-            return Value(p.loop);
+            return Value(habits.loop);
         if (call.has("view"))
-            return Value(p.view);
+            return Value(habits.view);
         fail("playbackOptions: a flag that says what to ask has to be given");
     }
-    const Playback before = p;
+    const playback::Range before = p;
     const auto time = [&](const char* flag, double& to) {
         if (call.has(flag))
             to = timeSeconds(call.use(flag)->args[0]);
@@ -141,10 +128,10 @@ Value playbackOptions(Call& call)
     p.end = std::max(p.end, p.max);
     p.speed = call.num("playbackSpeed", p.speed);
     p.by = call.num("by", p.by);
-    p.maxSpeed = call.num("maxPlaybackSpeed", p.maxSpeed);
-    p.loop = call.str("loop", p.loop);
-    p.view = call.str("view", p.view);
-    undo::push([before] { playback() = before; }, [now = p] { playback() = now; });
+    habits.maxSpeed = call.num("maxPlaybackSpeed", habits.maxSpeed);
+    habits.loop = call.str("loop", habits.loop);
+    habits.view = call.str("view", habits.view);
+    undo::push([before] { playback::range() = before; }, [now = p] { playback::range() = now; });
     return {};
 }
 
