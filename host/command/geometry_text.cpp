@@ -70,8 +70,8 @@ struct MeshParts
     Ref<Buffer<float>> points = make<Buffer<float>>();
     EdgeList           edges;
     std::vector<int>   counts, connects, uvIds;
-    std::vector<Float2>    uvs;
-    std::vector<Float3>    normals;
+    std::vector<F2>    uvs;
+    std::vector<F3>    normals;
     bool               anyUv = false;
 };
 
@@ -154,7 +154,7 @@ Ref<Data> meshFromArguments(Arguments& args)
     setEdges(*data->body, p.edges);
     if (!p.uvs.empty())
     {
-        data->body->writeUVSet(0).uvs = make<Buffer<Float2>>(p.uvs.data(), p.uvs.size());
+        data->body->writeUVSet(0).uvs = make<Buffer<F2>>(p.uvs.data(), p.uvs.size());
         if (p.anyUv && !data->body->assignUVs(0, make<Buffer<int>>(p.uvIds.data(), p.uvIds.size())))
             fail("Error reading mesh data: a face names a UV that does not exist");
     }
@@ -171,7 +171,7 @@ std::string meshText(const MeshBody& mesh)
     if (!uv.uvs->empty())
     {
         out += "\n\t\t\"vt\" " + std::to_string(uv.uvs->size());
-        for (const Float2& f : std::as_const(*uv.uvs))
+        for (const F2& f : std::as_const(*uv.uvs))
             out += " " + floatText(f.u) + " " + floatText(f.v);
     }
     const EdgeTable& edges = t.edges();

@@ -178,7 +178,7 @@ void addUvSets(MeshBody& body, const Parts& p)
         first = false;
         UVSet& set = body.writeUVSet(at);
         set.name = s.name.empty() ? (at ? "uvSet" + std::to_string(at) : "map1") : s.name;
-        set.uvs = make<Buffer<Float2>>(reinterpret_cast<const Float2*>(s.points.data()), s.points.size() / 2);
+        set.uvs = make<Buffer<F2>>(reinterpret_cast<const F2*>(s.points.data()), s.points.size() / 2);
         std::vector<int> ids = s.ids;
         ids.resize(p.connects.size(), -1);
         if (!s.ids.empty() && !body.assignUVs(at, make<Buffer<int>>(ids.data(), ids.size())))
@@ -227,7 +227,7 @@ void build(const Parts& p)
     for (int c = 0; c < topology->cornerCount() && size_t(c) * 3 + 2 < p.normals.size(); ++c)
         if (p.normals[size_t(c) * 3] != kUnlocked)
         {
-            const Float3 n{{p.normals[size_t(c) * 3], p.normals[size_t(c) * 3 + 1], p.normals[size_t(c) * 3 + 2]}};
+            const F3 n{{p.normals[size_t(c) * 3], p.normals[size_t(c) * 3 + 1], p.normals[size_t(c) * 3 + 2]}};
             body.lockCornerNormals(&n, &c, 1);
         }
     const Attribute* in = p.shape->findAttribute("inMesh");
@@ -348,7 +348,7 @@ std::string meshStatements(const MeshBody& mesh)
     {
         const std::string set = "uvst[" + std::to_string(s) + "]";
         out += "\tsetAttr \"." + set + ".uvsn\" -type \"string\" " + quoted(uvs.sets[s].name) + ";\n";
-        const Buffer<Float2>& table = *uvs.sets[s].uvs;
+        const Buffer<F2>& table = *uvs.sets[s].uvs;
         appendChunks(out, set + ".uvsp", " -type \"float2\"", table.size(), 8,
                      [&](std::string& o, size_t i) { o += floatText(table[i].u) + " " + floatText(table[i].v); });
     }
@@ -378,7 +378,7 @@ std::string meshStatements(const MeshBody& mesh)
     });
     if (mesh.locked())
         appendChunks(out, "n", " -type \"float3\"", size_t(t.cornerCount()), 4, [&](std::string& o, size_t i) {
-            const Float3 n = mesh.normalLocked(int(i)) ? mesh.cornerNormals().at(int(i)) : Float3{{kUnlocked, kUnlocked, kUnlocked}};
+            const F3 n = mesh.normalLocked(int(i)) ? mesh.cornerNormals().at(int(i)) : F3{{kUnlocked, kUnlocked, kUnlocked}};
             o += floatText(n.v[0]) + " " + floatText(n.v[1]) + " " + floatText(n.v[2]);
         });
     appendChunks(out, "fc", " -type \"polyFaces\"", size_t(t.faceCount()), 1, [&](std::string& o, size_t f) {
