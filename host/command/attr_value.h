@@ -13,7 +13,7 @@ std::string typeNameOf(const Attribute& attr);
 std::string numericName(Store store);
 
 /// Makes the data object of a `-type` from its arguments. Null for a type that is no data type.
-Ref<Data> dataFromArguments(const std::string& type, Arguments& args, const Cell& target);
+Ref<Data> dataFromArguments(const std::string& type, Arguments& args);
 /// Writes numbers of the arguments into a number, tuple or matrix plug; values are in the user's units.
 /// `clamp`: out of range goes to the limit instead of an error.
 void writeNumbers(Cell& cell, Arguments& args, bool clamp);

@@ -164,7 +164,7 @@ void writeNumbers(Cell& cell, Arguments& args, bool clamp)
     edit::setNumber(cell, value);
 }
 
-Ref<Data> dataFromArguments(const std::string& type, Arguments& args, const Cell& target)
+Ref<Data> dataFromArguments(const std::string& type, Arguments& args)
 {
     if (type == "string")
         return make<StringData>(args.text());

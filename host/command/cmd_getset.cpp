@@ -119,7 +119,7 @@ Value getAttr(Call& call)
             for (std::string& s : out.asStrings())
                 texts.push_back(std::move(s));
         else
-            for (double d : std::as_const(*out.asFloats()))
+            for (const Floats all = out.asFloats(); double d : *all)
                 numbers.push_back(d);
     }
     call.truth = false;
@@ -169,7 +169,7 @@ void writeTyped(Cell& cell, const std::string& type, Arguments& args, bool clamp
             fail("Type specified for new attribute value does not match '" + plugText(cell) + "', which is of type " + own + ".");
         return writeNumbers(cell, args, clamp);
     }
-    Ref<Data> data = dataFromArguments(type, args, cell);
+    Ref<Data> data = dataFromArguments(type, args);
     if (!data)
         fail("Invalid type '" + type + "' for '" + plugText(cell) + "'.");
     const bool fits = a.kind == AttrKind::kGeneric ? a.acceptsData(data->type()) || data->type() == MFnData::kNumeric
@@ -225,7 +225,7 @@ Value setAttr(Call& call)
             rest.erase(rest.begin());
         }
     Arguments args(std::move(rest));
-    if (names.size() == 1 && io::setMeshAttribute(names[0], type, args))
+    if (names.size() == 1 && io::setMeshAttribute(names[0], args))
         return {};
     const bool stateOnly = args.done() && type.empty();
     if (stateOnly && !call.has("lock") && !call.has("keyable") && !call.has("channelBox") && !call.has("size") && !call.has("caching") &&

@@ -82,7 +82,7 @@ public:
         }
         if (call_.has("assemblies") && (!n.dag || item.path.nodes.size() != 1))
             return false;
-        if (call_.has("leaf") && (!n.dag || std::any_of(n.dag->children.begin(), n.dag->children.end(), [](Node* c) { return true; })))
+        if (call_.has("leaf") && (!n.dag || !n.dag->children.empty()))
             return false;
         if (call_.has("intermediateObjects") && !boolAttr(n, "intermediateObject"))
             return false;

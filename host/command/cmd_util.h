@@ -85,7 +85,6 @@ void registerNurbsCommands();
 void registerSceneCommands();
 void registerTimeCommands();
 void registerSystemCommands();
-void registerPluginCommands();
 
 }  // namespace mirk::command
 

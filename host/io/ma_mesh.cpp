@@ -271,7 +271,7 @@ std::string quoted(const std::string& s)
 
 }  // namespace
 
-bool setMeshAttribute(const std::string& plug, const std::string& type, Arguments& args)
+bool setMeshAttribute(const std::string& plug, Arguments& args)
 {
     const size_t dot = plug.find('.');
     if (dot == std::string::npos || args.done())

@@ -10,7 +10,7 @@ namespace mirk { class MeshBody; }
 namespace mirk::io {
 
 /// Takes a setAttr on a mesh shape's stored parts; false if it is none of those.
-bool setMeshAttribute(const std::string& plug, const std::string& type, command::Arguments& args);
+bool setMeshAttribute(const std::string& plug, command::Arguments& args);
 /// Builds the meshes of which parts have come. Errors name the shape; `drop` forgets the parts.
 void finishMeshes(bool drop = false);
 

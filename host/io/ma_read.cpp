@@ -232,7 +232,7 @@ bool keepUnknown(const Statements& st, const std::string& name)
         if (!call.args.empty())
         {
             command::Arguments args({call.args.begin() + 1, call.args.end()});
-            if (setMeshAttribute(call.args[0].asString(), call.str("type"), args))
+            if (setMeshAttribute(call.args[0].asString(), args))
                 return true;
             const std::string root = path.substr(0, path.find_first_of(".["));
             if (dynamic_cast<MPxNode*>(node->user.get()) && node->unknownType.empty() && root.size())

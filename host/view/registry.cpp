@@ -33,9 +33,7 @@ bool serves(std::string_view registered, std::string_view asked)
     return asked.starts_with(registered) && (asked.size() == registered.size() || asked[registered.size()] == '/');
 }
 
-}  // namespace
-
-DrawOverrideCreator findDrawOverride(std::string_view classification)
+const Entry* entryFor(std::string_view classification)
 {
     const Entry* best = nullptr;
     while (!classification.empty()) {
@@ -46,7 +44,21 @@ DrawOverrideCreator findDrawOverride(std::string_view classification)
                 best = &e;
         classification.remove_prefix(std::min(colon + 1, classification.size()));
     }
-    return best ? best->creator : nullptr;
+    return best;
+}
+
+}  // namespace
+
+DrawOverrideCreator findDrawOverride(std::string_view classification)
+{
+    const Entry* entry = entryFor(classification);
+    return entry ? entry->creator : nullptr;
+}
+
+std::string drawRegistrant(std::string_view classification)
+{
+    const Entry* entry = entryFor(classification);
+    return entry ? entry->registrantId : std::string();
 }
 
 }  // namespace mirk::view

@@ -15,4 +15,7 @@ using DrawOverrideCreator = MHWRender::MPxDrawOverride* (*)(const MObject& node)
 /// "drawdb/geometry/a/b"; the longest one that fits is taken. Null if there is none.
 DrawOverrideCreator findDrawOverride(std::string_view classification);
 
+/// The registrant that draws them, empty if there is none.
+std::string drawRegistrant(std::string_view classification);
+
 }  // namespace mirk::view

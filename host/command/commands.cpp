@@ -1,0 +1,26 @@
+#include "command/commands.h"
+
+#include "command/cmd_util.h"
+
+namespace mirk {
+
+void registerCommands()
+{
+    using namespace command;
+    registerNodeCommands();
+    registerGetSetCommands();
+    registerConnectCommands();
+    registerListCommands();
+    registerSelectCommands();
+    registerAttrCommands();
+    registerDagCommands();
+    registerTransformCommands();
+    registerPolyCommands();
+    registerMeshEditCommands();
+    registerNurbsCommands();
+    registerSceneCommands();
+    registerTimeCommands();
+    registerSystemCommands();
+}
+
+}  // namespace mirk
