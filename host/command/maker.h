@@ -1,0 +1,23 @@
+// Commands that make a shape with the node that computes its geometry: polyCube and its kin, circle, sphere ...
+#pragma once
+#include "command/cmd_util.h"
+
+namespace mirk::command {
+
+/// A flag that sets an attribute of the maker node. `attribute` may list three children's parent for vectors.
+struct MakerFlag { const char* flag; const char* attribute; };
+
+struct Maker
+{
+    const char* nodeType;       ///< "polyCube"
+    const char* shapeType;      ///< "mesh"
+    const char* transformName;  ///< "pCube#"
+    const char* output;         ///< of the node
+    const char* input;          ///< of the shape
+    std::span<const MakerFlag> flags;
+};
+
+/// Create: returns the transform and the maker (alone without history). Edit and query work on the maker of the object.
+Value runMaker(Call& call, const Maker& maker);
+
+}  // namespace mirk::command
