@@ -298,12 +298,30 @@ void keyword(Call& call, const Keyword& k)
 
 }  // namespace
 
-Call parse(const Command& command, std::span<const Value> raw) { return Parser(command, raw).parse(); }
+Call parse(const Command& command, std::span<const Value> raw)
+{
+    if (!command.raw)
+        return Parser(command, raw).parse();
+    Call call;
+    call.command = &command;
+    call.args.assign(raw.begin(), raw.end());
+    return call;
+}
 
 Call parseKeywords(const Command& command, std::span<const Value> args, std::span<const Keyword> keywords)
 {
     Call call;
     call.command = &command;
+    if (command.raw)
+    {
+        for (const Keyword& k : keywords)
+        {
+            call.args.emplace_back("-" + k.name);
+            call.args.push_back(k.value);
+        }
+        call.args.insert(call.args.end(), args.begin(), args.end());
+        return call;
+    }
     for (const Keyword& k : keywords)
         if (int mode = modeFlag(command, k.name); mode && k.value.asBool())
             call.mode = Mode(mode);

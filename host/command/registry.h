@@ -42,6 +42,7 @@ struct Command
     bool                  undoable = true;
     bool                  takesObjects = true;   ///< free arguments are allowed
     void*                 user = nullptr;        ///< for handlers that serve several rows, plug-in commands among them
+    bool                  raw = false;           ///< arguments come unread, flags among them
 };
 
 /// A parsed call: what the handler reads.

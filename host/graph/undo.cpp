@@ -94,6 +94,13 @@ void Scope::rollback()
     edits_.clear();
 }
 
+std::vector<std::unique_ptr<Edit>> Scope::take()
+{
+    done_ = true;
+    queue().scope = outer_;
+    return std::move(edits_);
+}
+
 Suspend::Suspend() { ++queue().suspended; }
 Suspend::~Suspend() { --queue().suspended; }
 

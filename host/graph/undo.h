@@ -41,6 +41,8 @@ public:
     ~Scope();                 ///< commits if neither was called
     void commit();
     void rollback();          ///< undoes everything since the scope began
+    /// Ends the scope and hands out what it recorded, which then is the caller's to undo and redo.
+    std::vector<std::unique_ptr<Edit>> take();
 
 private:
     friend bool recording();

@@ -64,7 +64,6 @@ public:
 
     /// Where a flag stands, given without dash; kInvalidArgIndex if it does not.
     unsigned flagIndex(const char* flag, const char* longFlag = nullptr) const;
-    MStringArray asStringArray() const;
 
 private:
     friend struct mirk::ArgAccess;

@@ -53,7 +53,6 @@ public:
     static MString mayaVersion();
     static int     apiVersion();
     static bool    isUndoing();
-    static bool    isRedoing();
 
     static MStatus getActiveSelectionList(MSelectionList& dest, bool orderedSelectionIfAvailable = false);
     static MStatus setActiveSelectionList(const MSelectionList& src, ListAdjustment listAdjustment = kReplaceList);
@@ -74,14 +73,4 @@ public:
     static bool    isYAxisUp(MStatus* ReturnStatus = nullptr);
     static bool    isZAxisUp(MStatus* ReturnStatus = nullptr);
     static MVector upAxis(MStatus* ReturnStatus = nullptr);
-    static MStatus getFunctionSetList(MObject object, MStringArray& array);
-
-    static bool    optionVarExists(const MString& name, MStatus* ReturnStatus = nullptr);
-    static int     optionVarIntValue(const MString& name, bool* valueExists = nullptr);
-    static double  optionVarDoubleValue(const MString& name, bool* valueExists = nullptr);
-    static MString optionVarStringValue(const MString& name, bool* valueExists = nullptr);
-    static bool    setOptionVarValue(const MString& name, int value);
-    static bool    setOptionVarValue(const MString& name, double value);
-    static MString setOptionVarValue(const MString& name, const MString& value);
-    static bool    removeOptionVar(const MString& name);
 };
