@@ -4,6 +4,8 @@
 
 #include <unistd.h>
 
+#include <maya/MDagPath.h>
+
 #include "app.h"
 #include "command/cmd_util.h"
 #include "command/message.h"

@@ -13,12 +13,12 @@ import sys
 import maya.cmds as mc
 
 MODEL = os.environ.get('MIRK_BUNNY', '/usr/share/glmark2/models/bunny.obj')
-RINGS = 11              # waves from the feet to the ears
-DEPTH = 0.018           # of a wave, by the height of the bunny
+RINGS = 13              # waves from the feet to the ears
+DEPTH = 0.014           # of a wave, by the height of the bunny
 
 # colour by the wave: valleys to crests
-RAMP = ((0.00, (0.05, 0.10, 0.28)), (0.35, (0.05, 0.42, 0.55)), (0.65, (0.55, 0.78, 0.62)),
-        (0.85, (0.98, 0.80, 0.42)), (1.00, (0.93, 0.42, 0.20)))
+RAMP = ((0.00, (0.13, 0.20, 0.45)), (0.35, (0.10, 0.50, 0.60)), (0.65, (0.62, 0.82, 0.66)),
+        (0.85, (0.99, 0.84, 0.50)), (1.00, (0.95, 0.48, 0.25)))
 
 
 def ramp(t):
@@ -53,7 +53,7 @@ def wave(positions, normals):
     for p, n in zip(positions, normals):
         up = (p[1] - low) / height
         # rings lean with the depth of the body, so that they do not look sliced, and fade out at the feet
-        phase = 2.0 * math.pi * (RINGS * up + 0.6 * math.sin(2.5 * p[2] + 1.5 * p[0]))
+        phase = 2.0 * math.pi * (RINGS * up + 0.9 * math.sin(3.0 * p[2] + 2.2 * p[0]))
         crest = 0.5 + 0.5 * math.sin(phase)
         push = DEPTH * height * min(1.0, 4.0 * up) * (crest - 0.5)
         moved.append([p[i] + push * n[i] for i in range(3)])
@@ -75,7 +75,7 @@ def frame(positions):
     low, high = ([f(c) for c in zip(*positions)] for f in (min, max))
     center = [(a + b) / 2.0 for a, b in zip(low, high)]
     radius = max(b - a for a, b in zip(low, high)) / 2.0
-    turn, tilt, distance = math.radians(25.0), math.radians(12.0), 3.1 * radius
+    turn, tilt, distance = math.radians(20.0), math.radians(14.0), 3.5 * radius
     mc.setAttr('persp.translate',
                center[0] + distance * math.sin(turn) * math.cos(tilt),
                center[1] + distance * math.sin(tilt),

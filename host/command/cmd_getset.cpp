@@ -119,7 +119,7 @@ Value getAttr(Call& call)
             for (std::string& s : out.asStrings())
                 texts.push_back(std::move(s));
         else
-            for (double d : std::as_const(*out.asFloats()))
+            for (const Floats all = out.asFloats(); double d : *all)
                 numbers.push_back(d);
     }
     call.truth = false;

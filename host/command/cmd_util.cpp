@@ -259,7 +259,7 @@ Arguments::Arguments(std::vector<Value> args)
                 for (std::string& s : v.asStrings())
                     args_.emplace_back(std::move(s));
             else
-                for (double d : std::as_const(*v.asFloats()))
+                for (const Floats all = v.asFloats(); double d : *all)
                     args_.emplace_back(d);
         }
         else

@@ -31,11 +31,17 @@ public:
     /// False once the object is no longer part of the scene, though handles still hold it.
     virtual bool      valid() const { return true; }
 
+    /// Told at construction, so that hot paths need no virtual call or dynamic cast.
+    enum class Class : uint8_t { kOther, kNode, kAttribute };
+    Class objectClass() const noexcept { return class_; }
+
 protected:
+    explicit Object(Class c) noexcept : class_(c) {}
     virtual ~Object() = default;
 
 private:
     mutable std::atomic<int32_t> refs_{0};
+    const Class                  class_ = Class::kOther;
 };
 
 /// Non-virtual counted base for buffers and caches that no MObject ever holds.

@@ -185,8 +185,13 @@ MStatus PointWalk::allPositions(MPointArray& out, MSpace::Space s) const
         return MS::kSuccess;
     const NurbsSpace& to = space(s);
     MPoint*          p = &out[0];
-    for (int i = 0; i < count_; ++i)
-        p[i] = read(pointAt(i));
+    if (mesh_ && !listed_ && count_ <= total()) {   // the usual case, in one plain run
+        const float* from = mesh_->points();
+        for (int i = 0; i < count_; ++i, from += 3)
+            p[i] = MPoint(from[0], from[1], from[2]);
+    } else
+        for (int i = 0; i < count_; ++i)
+            p[i] = read(pointAt(i));
     if (to.active)
         for (int i = 0; i < count_; ++i)
             p[i] = p[i] * to.out;
@@ -202,10 +207,10 @@ MVector PointWalk::normal(MSpace::Space s, MStatus* status)
         return MVector();
     }
     if (!normals_)
-        normals_ = Ref<const Buffer<Float3>>(&mesh_->vertexNormals(false));
+        normals_ = Ref<const Buffer<F3>>(&mesh_->vertexNormals(false));
     if (status)
         *status = MS::kSuccess;
-    const Float3&    n = (*normals_)[size_t(i)];
+    const F3&    n = (*normals_)[size_t(i)];
     const MVector    v(n.v[0], n.v[1], n.v[2]);
     const NurbsSpace& to = space(s);
     return to.active ? v.transformAsNormal(to.out).normal() : v;
@@ -218,7 +223,7 @@ MStatus PointWalk::openForWrite()
     if (!data_)
         return MS::kFailure;
     if (mesh_ && !normals_ && mesh_->vertexNormalsBuilt())   // kept: a loop that reads normals and moves points
-        normals_ = Ref<const Buffer<Float3>>(&mesh_->vertexNormals(false));
+        normals_ = Ref<const Buffer<F3>>(&mesh_->vertexNormals(false));
     if (writable_)
         return MS::kSuccess;
     Ref<GeometryData> own;
@@ -301,6 +306,16 @@ MStatus PointWalk::setAllPositions(const MPointArray& in, MSpace::Space s)
     const NurbsSpace& from = space(s);
     const MPoint*    p = &in[0];
     beginWrite();
+    if (mesh_ && !listed_ && !from.active && count_ <= total()) {
+        float* to = meshPoints_;
+        for (int i = 0; i < count_; ++i, to += 3) {
+            to[0] = float(p[i].x);
+            to[1] = float(p[i].y);
+            to[2] = float(p[i].z);
+        }
+        endWrite();
+        return MS::kSuccess;
+    }
     for (int i = count_; i-- > 0;)   // backwards: of a CV and those that repeat it the first one counts
         write(pointAt(i), from.active ? p[i] * from.in : p[i]);
     endWrite();

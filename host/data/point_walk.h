@@ -83,7 +83,7 @@ private:
     bool             listed_ = false;
     int              place_ = 0, count_ = 0;
     Ref<Component>   item_;
-    Ref<const Buffer<Float3>> normals_;
+    Ref<const Buffer<F3>> normals_;
 
     mutable double     seen_[4][4] = {};   // the matrix that space_ was made of
     mutable bool       hasSeen_ = false;

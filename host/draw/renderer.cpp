@@ -230,6 +230,24 @@ void runCallback(const view::Callback& callback, const Camera& camera, const Tar
         std::rethrow_exception(thrown);
 }
 
+/// Marks a picture in the making: code that a callback runs must not start another one.
+class Drawing
+{
+public:
+    explicit Drawing(bool& flag) : flag_(flag)
+    {
+        if (flag_)
+            throw view::Error("A picture cannot be drawn while another one is: drawing was called from a draw callback");
+        flag_ = true;
+    }
+    ~Drawing() { flag_ = false; }
+    Drawing(const Drawing&) = delete;
+    Drawing& operator=(const Drawing&) = delete;
+
+private:
+    bool& flag_;
+};
+
 class GlRenderer final : public view::Renderer
 {
 public:
@@ -252,7 +270,8 @@ private:
     void drawBackground(const Camera& camera);
     void drawAll(const Frame& frame, const Target& target);
 
-    std::mutex mutex_;
+    std::recursive_mutex mutex_;
+    bool drawing_ = false;
     std::unique_ptr<Context> context_;
     std::unique_ptr<ItemProgram> items_, picks_;
     std::unique_ptr<Program> background_;
@@ -298,6 +317,7 @@ Image GlRenderer::render(const RenderRequest& request)
 {
     check(request);
     const std::lock_guard lock(mutex_);
+    const Drawing drawing(drawing_);
     const Context::Current current(context());
     const int width = request.camera.width, height = request.camera.height;
     // four times four samples: a picture twice as large, shrunk. A callback would draw its lines half as wide there.
@@ -346,6 +366,7 @@ std::vector<Hit> GlRenderer::pick(const RenderRequest& request, int x, int y, in
     if (width == 0 || height == 0)
         return {};
     const std::lock_guard lock(mutex_);
+    const Drawing drawing(drawing_);
     const Context::Current current(context());
     if (!picks_)
         picks_ = std::make_unique<ItemProgram>(kPickFragment);

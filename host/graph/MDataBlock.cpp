@@ -18,7 +18,7 @@ Cell* cellOf(Node* node, const MObject& attribute)
 {
     // the class is known by what it says of itself, which is quicker than a dynamic cast
     Object* o = ObjectAccess::get(attribute);
-    if (!node || !o || !o->hasFn(MFn::kAttribute))
+    if (!node || !o || o->objectClass() != Object::Class::kAttribute)
         return nullptr;
     auto* a = static_cast<Attribute*>(o);
     if (size_t(a->slot) < node->cells.size())

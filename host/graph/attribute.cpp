@@ -27,42 +27,8 @@ Store storeOf(MFnNumericData::Type type)
     }
 }
 
-int storeDimension(Store store)
-{
-    switch (store) {
-    case Store::kNone: case Store::kMatrix: case Store::kFloatMatrix: case Store::kData: return 0;
-    case Store::kShort2: case Store::kInt2: case Store::kFloat2: case Store::kDouble2: return 2;
-    case Store::kShort3: case Store::kInt3: case Store::kFloat3: case Store::kDouble3: return 3;
-    case Store::kDouble4: return 4;
-    default: return 1;
-    }
-}
-
-Store storeElement(Store store)
-{
-    switch (store) {
-    case Store::kShort2: case Store::kShort3: return Store::kShort;
-    case Store::kInt2: case Store::kInt3: return Store::kInt;
-    case Store::kFloat2: case Store::kFloat3: return Store::kFloat;
-    case Store::kDouble2: case Store::kDouble3: case Store::kDouble4: return Store::kDouble;
-    default: return store;
-    }
-}
-
-size_t storeBytes(Store store)
-{
-    const int n = storeDimension(store);
-    switch (storeElement(store)) {
-    case Store::kBool: case Store::kChar: return 1;
-    case Store::kShort: return 2 * n;
-    case Store::kInt: case Store::kFloat: return 4 * n;
-    case Store::kInt64: case Store::kDouble: return 8 * n;
-    default: return 0;
-    }
-}
-
 Attribute::Attribute(AttrKind k, std::string longN, std::string shortN)
-    : kind(k), longName(std::move(longN)), shortName(std::move(shortN))
+    : Object(Class::kAttribute), kind(k), longName(std::move(longN)), shortName(std::move(shortN))
 {
     if (shortName.empty())
         shortName = longName;
@@ -107,14 +73,6 @@ bool Attribute::hasFn(MFn::Type t) const
     case AttrKind::kMatrix: return t == MFn::kMatrixAttribute;
     default: return false;
     }
-}
-
-bool Attribute::hasArrayAncestor() const
-{
-    for (const Attribute* p = parent; p; p = p->parent)
-        if (p->isArray())
-            return true;
-    return false;
 }
 
 int Attribute::enumIndex(const std::string& field) const

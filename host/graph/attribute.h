@@ -22,10 +22,24 @@ enum class Store : uint8_t {
     kData,  // typed and generic attributes: a counted data object, or null
 };
 
+namespace detail {
+struct StoreRow { uint8_t dimension; Store element; uint8_t bytes; };
+inline constexpr StoreRow kStores[] = {
+    // none, then the order of the enum: numbers held, kind of one, bytes of all
+    {0, Store::kNone, 0},
+    {1, Store::kBool, 1}, {1, Store::kChar, 1}, {1, Store::kShort, 2}, {1, Store::kInt, 4}, {1, Store::kInt64, 8},
+    {1, Store::kFloat, 4}, {1, Store::kDouble, 8},
+    {2, Store::kShort, 4}, {3, Store::kShort, 6}, {2, Store::kInt, 8}, {3, Store::kInt, 12},
+    {2, Store::kFloat, 8}, {3, Store::kFloat, 12}, {2, Store::kDouble, 16}, {3, Store::kDouble, 24}, {4, Store::kDouble, 32},
+    {0, Store::kMatrix, 0}, {0, Store::kFloatMatrix, 0}, {0, Store::kData, 0},
+};
+}  // namespace detail
+
 Store storeOf(MFnNumericData::Type type);
-int   storeDimension(Store store);       ///< 1 for scalars, 2 to 4 for tuples, 0 otherwise
-Store storeElement(Store store);         ///< store of a tuple's child
-size_t storeBytes(Store store);
+/// 1 for scalars, 2 to 4 for tuples, 0 otherwise.
+constexpr int    storeDimension(Store s) { return detail::kStores[size_t(s)].dimension; }
+constexpr Store  storeElement(Store s) { return detail::kStores[size_t(s)].element; }   ///< store of a tuple's child
+constexpr size_t storeBytes(Store s) { return detail::kStores[size_t(s)].bytes; }
 
 class Attribute : public Object
 {
@@ -51,7 +65,8 @@ public:
     bool isTuple() const { return storeDimension(store) > 1; }
     /// Children that a name or plug can reach: those of compounds and of tuples made from three attributes.
     Attribute* child(size_t i) const { return i < children.size() ? children[i].get() : nullptr; }
-    bool       hasArrayAncestor() const;   ///< this attribute itself not counted
+    /// Some attribute above is a multi, this one itself not counted. Told once the tree stands in a type.
+    bool       hasArrayAncestor() const { return belowMulti; }
     Attribute* topParent() { Attribute* a = this; while (a->parent) a = a->parent; return a; }
     int        enumIndex(const std::string& field) const;   ///< -1 if unknown
     bool       acceptsData(MFnData::Type type) const;
@@ -63,6 +78,7 @@ public:
     MFnData::Type        dataType = MFnData::kInvalid;
     unsigned             pluginDataId = 0;
     uint8_t              disconnect = 2;      ///< 0 delete, 1 reset, 2 nothing
+    bool                 belowMulti = false;  ///< see hasArrayAncestor
     uint8_t              limits = 0;          ///< which of the four below are set
     uint32_t             flags = kStorable | kReadable | kWritable | kConnectable | kCached | kIndexMatters;
     int                  slot = -1;           ///< place in the type's flat table; dynamic: past the type's

@@ -3,6 +3,8 @@
 #include <cmath>
 #include <cstring>
 #include <limits>
+#include <mutex>
+#include <new>
 
 
 namespace mirk {
@@ -110,7 +112,52 @@ Cell* Elements::find(int logical) const
     return i < cells.size() && cells[i]->index == logical ? cells[i] : nullptr;
 }
 
-Cell::Cell(Node* n, const Attribute* a, Cell* p, int i) : node(n), attr(a), parent(p), v(&own), index(i)
+namespace {
+
+/// Fixed-size blocks, a cache line aligned, cut from slabs that are never given back.
+struct Slabs
+{
+    static constexpr size_t kCell = 128, kPerSlab = 256;
+    std::mutex         lock;
+    std::vector<void*> free;
+
+    void* take()
+    {
+        std::lock_guard guard(lock);
+        if (free.empty()) {
+            char* slab = static_cast<char*>(::operator new(kCell * kPerSlab, std::align_val_t(64)));
+            for (size_t i = kPerSlab; i-- > 0;)
+                free.push_back(slab + i * kCell);
+        }
+        void* cell = free.back();
+        free.pop_back();
+        return cell;
+    }
+    void give(void* cell)
+    {
+        std::lock_guard guard(lock);
+        free.push_back(cell);
+    }
+};
+
+Slabs& slabs()
+{
+    static Slabs* s = new Slabs;
+    return *s;
+}
+
+}  // namespace
+
+#if defined(__SANITIZE_ADDRESS__)
+void* Cell::operator new(size_t bytes) { return ::operator new(bytes); }   // so that the sanitizer sees stale cells
+void  Cell::operator delete(void* cell) noexcept { ::operator delete(cell); }
+#else
+void* Cell::operator new(size_t) { return slabs().take(); }
+void  Cell::operator delete(void* cell) noexcept { slabs().give(cell); }
+#endif
+static_assert(sizeof(Cell) <= Slabs::kCell);
+
+Cell::Cell(Node* n, const Attribute* a, Cell* p, int i) : v(&own), index(i), node(n), attr(a), parent(p)
 {
     if (isMulti())
         return;

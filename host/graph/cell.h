@@ -36,17 +36,15 @@ struct Cell
         kPrivate = 8192,     // stands in no node's tree: a builder's or a constructed handle's
     };
 
-    Node*            node;
-    const Attribute* attr;
-    Cell*            parent;        // the compound's cell, or for an element its multi's; null at the top
+    // the first cache line is what evaluation of a number touches
     void*            v;             // the value: own storage, or inside the parent's tuple
     int32_t          index = -1;    // logical index of an element
     uint16_t         flags = kDirty;
-    int32_t          users = 0;     // plugs that hold it
+    Node*            node;
+    const Attribute* attr;
     Cell*            source = nullptr;
+    Cell*            parent;        // the compound's cell, or for an element its multi's; null at the top
     std::vector<Cell*>* targets = nullptr;
-    Elements*        elements = nullptr;   // multi
-    Cell**           children = nullptr;   // compound, by child index; each null until used
     union {
         double d[4];
         float  f[4];
@@ -59,6 +57,13 @@ struct Cell
         double* matrix;      // 16 doubles
         float*  floatMatrix; // 16 floats
     } own = {{0, 0, 0, 0}};
+    Cell**           children = nullptr;   // compound, by child index; each null until used
+    Elements*        elements = nullptr;   // multi
+    int32_t          users = 0;            // plugs that hold it
+
+    // cells come from slabs, so that those of one node stand together
+    static void* operator new(size_t bytes);
+    static void  operator delete(void* cell) noexcept;
 
     Cell(Node* node, const Attribute* attr, Cell* parent, int index);
     ~Cell();

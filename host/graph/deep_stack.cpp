@@ -30,7 +30,8 @@ struct Deep
     bool   inUse = false;
 };
 
-thread_local Deep deep;
+// initial-exec: the look-up through the loader would cost more than a small compute
+__attribute__((tls_model("initial-exec"))) thread_local Deep deep;
 
 struct Call
 {

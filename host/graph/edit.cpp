@@ -604,6 +604,7 @@ void addDynamic(Node& node, Ref<Attribute> top)
         throw Error("Found an attribute with the name '" + clash + "' on '" + node.name + "'.");
     walkAttributes(*top, [&](Attribute& a) {
         a.slot = node.nextSlot++;
+        a.belowMulti = a.parent && (a.parent->belowMulti || a.parent->isArray());
         a.set(Attribute::kDynamic, true);
     });
     attach(node, top);

@@ -25,11 +25,8 @@ struct State
     void (*report)(const std::string&, bool) = nullptr;
 };
 
-State& state()
-{
-    static State* s = new State;
-    return *s;
-}
+State& g_state = *new State;   // outlives every static object
+State& state() { return g_state; }
 
 // ---- matching along compound connections -------------------------------------------------------------------------
 

@@ -42,6 +42,7 @@ void NodeType::add(Ref<Attribute> top)
 {
     walkAttributes(*top, [&](Attribute& a) {
         a.slot = int(table.size());
+        a.belowMulti = a.parent && (a.parent->belowMulti || a.parent->isArray());
         table.push_back(Ref<Attribute>(&a));
         byName.emplace(a.longName, &a);
         byName.emplace(a.shortName, &a);
@@ -138,7 +139,7 @@ NodeType*& typeBeingBuilt()
     return type;
 }
 
-Node::Node(NodeType* t, std::string n) : type(t), name(std::move(n))
+Node::Node(NodeType* t, std::string n) : Object(Class::kNode), type(t), name(std::move(n))
 {
     cells.resize(type->table.size(), nullptr);
     nextSlot = int(cells.size());

@@ -95,19 +95,20 @@ public:
     bool owns(const Attribute* a) const;
     bool isComputed(const Attribute* a) const { return size_t(a->slot) < type->computed.size() && type->computed[a->slot]; }
 
+    // what evaluation reads stands first
     NodeType*            type;
-    std::string          name;
+    std::vector<Cell*>   cells;               ///< by slot
+    std::unique_ptr<MPxNode> user;            ///< null for a node of unknown type
+    int                  computing = 0;
+    bool                 dependsOnDirtyCall = false;  ///< overrides setDependentsDirty
     bool                 inScene = false;
+    std::string          name;
     bool                 isDefault = false;   ///< persp, time1 ...: neither deleted nor stored
     bool                 locked = false;
     bool                 referenced = false;
-    bool                 dependsOnDirtyCall = false;  ///< overrides setDependentsDirty
-    int                  computing = 0;
     size_t               order = 0;           ///< of creation, for deterministic lists
     std::string          uuid;
-    std::unique_ptr<MPxNode> user;            ///< null for a node of unknown type
     std::unique_ptr<Dag> dag;                 ///< null for nodes outside the DAG
-    std::vector<Cell*>   cells;               ///< by slot
     std::vector<Ref<Attribute>> dynamics;     ///< top-level dynamic attributes, in order of creation
     int                  nextSlot = 0;        ///< for dynamic attributes
     std::vector<std::pair<std::string, std::string>> aliases;   ///< alias, plug (without node)

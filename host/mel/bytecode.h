@@ -24,7 +24,7 @@ namespace mirk::mel {
     X(JMP) X(JZ) X(JNZ) \
     X(JEQI) X(JNEI) X(JLTI) X(JLEI) X(JEQF) X(JNEF) X(JLTF) X(JLEF) X(JNLTF) X(JNLEF) \
     X(GETAI) X(GETAF) X(GETAV) X(GETAS) X(SETAI) X(SETAF) X(SETAV) X(SETAS) \
-    X(APPI) X(APPF) X(APPV) X(APPS) X(SIZEA) X(FRESH) X(COPYA) X(SWAPA) \
+    X(APPI) X(APPF) X(APPV) X(APPS) X(SIZEA) X(LOADA) X(FRESH) X(COPYA) X(SWAPA) \
     X(NEWM) X(MKM) X(GETM) X(SETM) X(BINM) X(COPYM) X(INDEXD) X(SETD) X(ASSIGND) X(SIZED) X(BINDYN) \
     X(MATH1) X(MATH2) X(MINI) X(MAXI) X(ABSI) X(MINF) X(MAXF) X(ABSF) X(SQRTF) \
     X(CALLP) X(CALLD) X(CALLN) X(RET) X(RETV) X(DEFP)
@@ -78,7 +78,8 @@ struct Site
 {
     struct Arg { Type type; uint16_t reg; };
 
-    std::vector<Arg> args;
+    std::vector<Arg>   args;               ///< kVoid: the next one of `literals`, so that long lists of numbers take no registers
+    std::vector<Value> literals;           ///< or the one array that LOADA makes
     std::string      name;                 ///< of a procedure or command found at run time
     ProcSlot*        proc = nullptr;       ///< a procedure whose signature was known
     uint64_t         signature = 0;        ///< what it was compiled for

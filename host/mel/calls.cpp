@@ -64,6 +64,18 @@ int fit(Type argument, Type parameter)
     return isNumber(argument) && isNumber(parameter) ? 3 : 5;
 }
 
+/// Whether arguments behind the k-th assign or call something.
+std::pair<bool, bool> effectsAfter(const Node* n, size_t k)
+{
+    std::pair<bool, bool> out;
+    for (++k; k < n->kids.size(); ++k)
+    {
+        out.first |= n->kids[k]->mutates;
+        out.second |= n->kids[k]->calls;
+    }
+    return out;
+}
+
 bool isCatch(const std::string& name) { return name == "catch" || name == "catchQuiet"; }
 
 }  // namespace
@@ -221,12 +233,7 @@ int Codegen::addSite(Site site)
 /// The k-th argument as type `t`. A variable typed at run time that is passed where an array is changed goes into `back`.
 Operand Codegen::argument(const Node* n, size_t k, Type t, std::vector<std::pair<const Node*, Operand>>& back)
 {
-    bool mutates = false, calls = false;
-    for (size_t m = k + 1; m < n->kids.size(); ++m)
-    {
-        mutates |= n->kids[m]->mutates;
-        calls |= n->kids[m]->calls;
-    }
+    const auto [mutates, calls] = effectsAfter(n, k);
     const Node* kid = n->kids[k];
     Operand     given = expression(kid);
     if (isArray(t) && given.type == Type::kDyn && kid->kind == Kind::kVar)
@@ -304,17 +311,20 @@ Operand Codegen::dynamicCall(const Node* n)
     site.name = n->text;
     for (size_t k = 0; k < n->kids.size(); ++k)
     {
-        bool mutates = false, calls = false;
-        for (size_t m = k + 1; m < n->kids.size(); ++m)
+        const Node* kid = n->kids[k];
+        if (kid->kind == Kind::kIntLit || kid->kind == Kind::kFloatLit || kid->kind == Kind::kStrLit)
         {
-            mutates |= n->kids[m]->mutates;
-            calls |= n->kids[m]->calls;
+            const bool whole = kid->kind == Kind::kIntLit && kid->number <= 2147483647.0;
+            site.literals.push_back(kid->kind == Kind::kStrLit ? Value(kid->text) : whole ? Value(int(kid->number)) : Value(kid->number));
+            site.args.push_back({Type::kVoid, 0});
+            continue;
         }
-        Operand o = expression(n->kids[k]);
+        Operand o = expression(kid);
         if (o.type == Type::kVoid)
             fail(n->kids[k], "Cannot use data of type void in this context.");
         if (o.type == Type::kEmptyArray)
             o = converted(n->kids[k], o, Type::kStrings);
+        const auto [mutates, calls] = effectsAfter(n, k);
         o = kept(o, mutates, calls);
         site.args.push_back({o.type, o.reg});
     }

@@ -42,6 +42,7 @@ struct UnitState
     std::shared_ptr<Unit>                     unit;
     std::unordered_map<std::string, ProcInfo> procs;
     std::vector<Global*>                      declared;
+    std::vector<std::pair<Global*, Global>>   replaced;   ///< variables that got another type, as they were
 };
 
 /// Generates one function: a procedure or a top-level statement.

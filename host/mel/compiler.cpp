@@ -156,19 +156,20 @@ Variable& Codegen::declareLocal(const Node* n, const std::string& name, Type t)
 Variable& Codegen::declareGlobal(const Node* n, const std::string& name, Type t)
 {
     Global* g = symbols().global(name);
-    if (g && g->type == Type::kDyn && t != Type::kDyn)
-    {
-        const Type now = typeOf(g->value[0].p ? dynValue(g->value[0]) : Value());
-        if (now == t || now == Type::kVoid)
-            symbols().retype(*g, t);
-    }
     if (!g)
     {
         g = &symbols().declare(name, t);
         unit_.declared.push_back(g);
     }
     else if (g->type != t)
-        fail(n, "Invalid redeclaration of variable \"$" + name + "\" as a different type.");
+    {
+        const Type now = g->type == Type::kDyn && g->value[0].p ? typeOf(dynValue(g->value[0])) : g->type;
+        // generated texts reuse the names of top-level variables for data of another type; elsewhere it is a mistake
+        if (!atTop() && now != t)
+            fail(n, "Invalid redeclaration of variable \"$" + name + "\" as a different type.");
+        unit_.replaced.emplace_back(g, symbols().retype(*g, t, now == t));
+        globals_.erase(g);
+    }
     Variable& v = bind(*g);
     if (!atTop())
         scopes_.back()[name] = v;
@@ -578,7 +579,7 @@ std::shared_ptr<const Unit> compile(std::shared_ptr<const Source> source)
 {
     Arena                    arena;
     const std::vector<Node*> nodes = parse(*source, arena);
-    UnitState                state{source, std::make_shared<Unit>(), {}, {}};
+    UnitState                state{source, std::make_shared<Unit>(), {}, {}, {}};
     declareProcs(state, nodes);
     size_t last = nodes.size();
     while (last > 0 && nodes[last - 1]->kind == Kind::kEmpty)
@@ -591,10 +592,14 @@ std::shared_ptr<const Unit> compile(std::shared_ptr<const Source> source)
     }
     catch (...)
     {
+        for (; !state.replaced.empty(); state.replaced.pop_back())
+            symbols().restore(*state.replaced.back().first, state.replaced.back().second);
         for (Global* g : state.declared)
             symbols().undeclare(*g);
         throw;
     }
+    for (auto& [global, before] : state.replaced)
+        Symbols::drop(before);
     state.unit->hasResult = !state.unit->statements.empty() && state.unit->statements.back()->returns != Type::kVoid;
     return state.unit;
 }

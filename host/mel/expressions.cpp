@@ -13,6 +13,20 @@ const char* opText(Op op)
     return names[op];
 }
 
+/// The array of a list that holds nothing but numbers; none for other lists.
+Value literalNumbers(const Node* n, Type t)
+{
+    if (t != Type::kInts && t != Type::kFloats)
+        return {};
+    auto all = make<Buffer<double>>();
+    for (const Node* kid : n->kids)
+        if (kid->kind == Kind::kIntLit || kid->kind == Kind::kFloatLit)
+            all->push(kid->number);
+        else
+            return {};
+    return convertTo(Value(std::move(all)), t);
+}
+
 /// Instructions that do nothing but write `a` anew, so that they can write elsewhere as well.
 bool onlyWritesA(uint16_t op)
 {
@@ -312,6 +326,13 @@ Operand Codegen::arrayLiteral(const Node* n)
         emit(OP_TOD, out.reg, out.reg, 0, int(Type::kVoid));
         for (size_t k = 0; k < n->kids.size(); ++k)
             emit(OP_SETD, out.reg, intConstant(int(k)).reg, value(n->kids[k], Type::kDyn).reg);
+        return out;
+    }
+    if (const Value numbers = literalNumbers(n, t); !numbers.isNone())
+    {
+        Site site;
+        site.literals.push_back(numbers);
+        emit(OP_LOADA, out.reg, int(t), 0, addSite(std::move(site)));
         return out;
     }
     emit(OP_FRESH, out.reg, 0, 0, int(t));

@@ -146,10 +146,13 @@ Value Machine::callByName(const std::string& name, std::span<const Value> args)
 
 Value Machine::callDynamic(const Site& site, Slot* registers)
 {
+    if (site.literals.size() == site.args.size())
+        return callByName(site.name, site.literals);
     std::vector<Value> args;
     args.reserve(site.args.size());
+    size_t literal = 0;
     for (const Site::Arg& a : site.args)
-        args.push_back(toValue(a.type, registers + a.reg));
+        args.push_back(a.type == Type::kVoid ? site.literals[literal++] : toValue(a.type, registers + a.reg));
     return callByName(site.name, args);
 }
 
@@ -474,6 +477,7 @@ L_APPF:  object<FloatArray>(A).push(B.d); NEXT();
 L_APPV:  object<VectorArray>(A).push(vec(&B)); NEXT();
 L_APPS:  { StringArray& a = object<StringArray>(A); a.set(int64_t(a.size()), ownText(B)); } NEXT();
 L_SIZEA: A.i = B.p ? int32_t(static_cast<Array*>(B.p)->size()) : 0; NEXT();
+L_LOADA: SAVE(); fromValue(sites[ip->i].literals[0], Type(ip->b), &A); NEXT();
 L_FRESH: SAVE(); freshArray(Type(ip->i), A, ip->c ? B.i : 0); NEXT();
 L_COPYA: SAVE(); assignArray(Type(ip->i), A, B); NEXT();
 L_SWAPA: swapArray(Type(ip->i), A, B); NEXT();

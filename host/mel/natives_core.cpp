@@ -17,11 +17,19 @@ std::string words(const NativeCall& c, int from = 0)
     return out;
 }
 
-/// `warning` and the like take -n (do not show the line number), which changes nothing here.
+/// Without -noContext and -showLineNumber, which change nothing here.
 std::string messageText(const NativeCall& c)
 {
-    const bool flag = c.count() > 1 && c.x(0).kind() == Value::kString && (c.x(0).get<std::string>() == "-n" || c.x(0).get<std::string>() == "-noContext");
-    return words(c, flag);
+    int first = 0;
+    for (; first < c.count() && c.x(first).kind() == Value::kString; ++first)
+    {
+        const std::string& word = c.x(first).get<std::string>();
+        if (word == "-sl" || word == "-showLineNumber")
+            ++first;
+        else if (word != "-n" && word != "-noContext")
+            break;
+    }
+    return words(c, first);
 }
 
 double seconds() { return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count(); }

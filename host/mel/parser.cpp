@@ -98,13 +98,17 @@ private:
     {
         const Token t = lex_.next();
         if (!t.is(punct))
-            fail(t.begin, std::string("Syntax error: expected '") + punct + "'.");
+        {
+            std::string message = "Syntax error: expected '";
+            message.append(punct).append("'.");
+            fail(t.begin, message);
+        }
     }
 
     /// The end of a statement; the last one of a text needs no semicolon.
-    void endStatement(bool top)
+    void endStatement()
     {
-        if (top && lex_.peek().kind == Tok::kEnd)
+        if (lex_.peek().kind == Tok::kEnd)
             return;
         const Token t = lex_.next();
         if (!t.is(";"))
@@ -128,11 +132,11 @@ private:
         {
             if (Node* n = keywordStatement(t, top))
                 return n;
-            return commandStatement(top);
+            return commandStatement();
         }
         Node* n = node(Kind::kExprStmt, t.begin);
         give(n, expression());
-        endStatement(top);
+        endStatement();
         return n;
     }
 
@@ -154,13 +158,13 @@ private:
         const std::string& word = t.text;
         if (word == "if") return ifStatement();
         if (word == "while") return whileStatement();
-        if (word == "do") return doStatement(top);
+        if (word == "do") return doStatement();
         if (word == "for") return forStatement();
         if (word == "switch") return switchStatement();
         if (word == "break" || word == "continue")
         {
             lex_.next();
-            endStatement(top);
+            endStatement();
             return node(word == "break" ? Kind::kBreak : Kind::kContinue, t.begin);
         }
         if (word == "return")
@@ -169,7 +173,7 @@ private:
             Node* n = node(Kind::kReturn, t.begin);
             if (!lex_.peek().is(";") && lex_.peek().kind != Tok::kEnd)
                 give(n, expression());
-            endStatement(top);
+            endStatement();
             return n;
         }
         if (word == "global" || word == "proc")
@@ -180,7 +184,7 @@ private:
             lex_.next();
             const bool declares = lex_.peek().kind == Tok::kVar;
             if (declares)
-                return declaration(t.begin, namedType(word), false, top);
+                return declaration(t.begin, namedType(word), false);
             lex_.pos = from;
         }
         return nullptr;
@@ -199,10 +203,10 @@ private:
         }
         if (t.kind != Tok::kIdent || namedType(t.text) == Type::kVoid)
             syntaxError(t);
-        return declaration(first.begin, namedType(t.text), true, top);
+        return declaration(first.begin, namedType(t.text), true);
     }
 
-    Node* declaration(uint32_t offset, Type type, bool global, bool top)
+    Node* declaration(uint32_t offset, Type type, bool global)
     {
         Node* n = node(Kind::kDecl, offset);
         n->flag = global;
@@ -236,7 +240,7 @@ private:
                 give(v, kid);
             give(n, v);
         } while (accept(","));
-        endStatement(top);
+        endStatement();
         return n;
     }
 
@@ -329,7 +333,7 @@ private:
         return n;
     }
 
-    Node* doStatement(bool top)
+    Node* doStatement()
     {
         Node* n = node(Kind::kDo, lex_.next().begin);
         give(n, statement());
@@ -337,7 +341,7 @@ private:
         if (t.kind != Tok::kIdent || t.text != "while")
             syntaxError(t);
         give(n, condition());
-        endStatement(top);
+        endStatement();
         return n;
     }
 
@@ -448,16 +452,14 @@ private:
 
     // ---- commands
 
-    Node* commandStatement(bool top)
+    Node* commandStatement()
     {
         Node* n = node(Kind::kExprStmt, lex_.peek().begin);
         if (functionForm(';'))
             give(n, expression());
         else
-        {
             give(n, command(';'));
-        }
-        endStatement(top);
+        endStatement();
         return n;
     }
 

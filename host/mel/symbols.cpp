@@ -10,38 +10,64 @@ Symbols& symbols()
 
 Global* Symbols::global(std::string_view name) const { return look(globals_, name); }
 
+namespace {
+
+/// Arrays have their object from the start.
+void makeArray(Global& g)
+{
+    switch (g.type)
+    {
+    case Type::kInts:    object<IntArray>(g.value[0]); break;
+    case Type::kFloats:  object<FloatArray>(g.value[0]); break;
+    case Type::kStrings: object<StringArray>(g.value[0]); break;
+    case Type::kVectors: object<VectorArray>(g.value[0]); break;
+    default: break;
+    }
+}
+
+}  // namespace
+
 Global& Symbols::declare(const std::string& name, Type type)
 {
     auto g = std::make_unique<Global>();
     g->name = name;
     g->type = type;
-    switch (type)
-    {
-    case Type::kInts:    object<IntArray>(g->value[0]); break;
-    case Type::kFloats:  object<FloatArray>(g->value[0]); break;
-    case Type::kStrings: object<StringArray>(g->value[0]); break;
-    case Type::kVectors: object<VectorArray>(g->value[0]); break;
-    default: break;
-    }
+    makeArray(*g);
     return *(globals_[name] = std::move(g));
+}
+
+void Symbols::drop(Global& global)
+{
+    if (isHeap(global.type))
+        release(global.value[0].p);
 }
 
 void Symbols::undeclare(Global& global)
 {
-    if (isHeap(global.type))
-        release(global.value[0].p);
+    drop(global);
     globals_.erase(globals_.find(global.name));
 }
 
-void Symbols::retype(Global& global, Type type)
+Global Symbols::retype(Global& global, Type type, bool keepValue)
 {
-    Value v = toValue(global.type, global.value);
-    Slot  fresh[3] = {};
-    fromValue(std::move(v), type, fresh);
-    if (isHeap(global.type))
-        release(global.value[0].p);
+    const Global before = global;
+    for (Slot& s : global.value)
+        s.p = nullptr;
     global.type = type;
-    std::copy(fresh, fresh + 3, global.value);
+    makeArray(global);
+    if (keepValue)
+    {
+        Global old = before;
+        fromValue(toValue(old.type, old.value), type, global.value);
+    }
+    ++epoch;
+    return before;
+}
+
+void Symbols::restore(Global& global, const Global& before)
+{
+    drop(global);
+    global = before;
     ++epoch;
 }
 

@@ -12,8 +12,10 @@ public:
     Global& declare(const std::string& name, Type type);
     /// Takes back what a text declared that then did not compile.
     void    undeclare(Global& global);
-    /// A variable typed at run time gets the type of a later declaration.
-    void    retype(Global& global, Type type);
+    /// Gives a variable another type, with its value or the default; the old one is returned and stays to be restored or dropped.
+    Global      retype(Global& global, Type type, bool keepValue);
+    void        restore(Global& global, const Global& before);
+    static void drop(Global& global);
 
     /// The slot of a global procedure; made empty if it does not exist.
     ProcSlot& proc(const std::string& name);

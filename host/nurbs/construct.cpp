@@ -264,6 +264,7 @@ Ref<SurfaceBody> extrudeTube(const CurveBody& profile, const CurveBody& given, c
 
 Ref<CurveBody> rebuildCurve(const CurveBody& curve, const RebuildOptions& o, std::string& why)
 {
+    why.clear();
     if (curve.empty()) {
         why = "there is no curve to rebuild";
         return {};

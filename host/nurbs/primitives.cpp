@@ -166,6 +166,7 @@ bool checkSpans(int spanCount, const char* what, std::string& why)
 
 Ref<CurveBody> circle(const Placement& at, double radius, double sweep, int degree, int sections, std::string& why)
 {
+    why.clear();
     if (!checkArc(sweep, degree, sections, why) || !checkSize(radius, "radius", why))
         return {};
     const Axes axes = axesOf(at.axis);
@@ -176,6 +177,7 @@ Ref<CurveBody> circle(const Placement& at, double radius, double sweep, int degr
 Ref<CurveBody> curveFromCvs(std::vector<MPoint> cvs, std::vector<double> knots, int degree, bool periodic, bool rational,
                             std::string& why)
 {
+    why.clear();
     if (degree < 1 || degree > kMaxDegree) {
         why = "degree " + std::to_string(degree) + " is not between 1 and " + std::to_string(kMaxDegree);
         return {};
@@ -201,6 +203,7 @@ Ref<CurveBody> curveFromCvs(std::vector<MPoint> cvs, std::vector<double> knots, 
 Ref<SurfaceBody> revolve(const CurveBody& profile, const MVector& pivot, const MVector& axis, double startAngle, double sweep,
                          int degree, int sections, std::string& why)
 {
+    why.clear();
     if (profile.empty())
         why = "there is no profile to revolve";
     if (!(axis.length() > 0))
@@ -229,6 +232,7 @@ Ref<SurfaceBody> revolve(const CurveBody& profile, const MVector& pivot, const M
 Ref<SurfaceBody> plane(const Placement& at, double width, double lengthRatio, int degree, int patchesU, int patchesV,
                        std::string& why)
 {
+    why.clear();
     if (degree < 1 || degree > kMaxDegree)
         why = "degree " + std::to_string(degree) + " is not between 1 and " + std::to_string(kMaxDegree);
     if (!why.empty() || !checkSize(width, "width", why) || !checkSize(lengthRatio, "length ratio", why) ||
@@ -254,6 +258,7 @@ Ref<SurfaceBody> plane(const Placement& at, double width, double lengthRatio, in
 Ref<SurfaceBody> sphere(const Placement& at, double radius, double startAngle, double sweep, int degree, int sections,
                         int spanCount, std::string& why)
 {
+    why.clear();
     if (!checkSize(radius, "radius", why) || !checkSpans(spanCount, "spans", why) || !checkArc(sweep, degree, sections, why))
         return {};
     const Axes           axes = axesOf(at.axis);
@@ -271,6 +276,7 @@ Ref<SurfaceBody> sphere(const Placement& at, double radius, double startAngle, d
 Ref<SurfaceBody> cylinder(const Placement& at, double radius, double heightRatio, double sweep, int degree, int sections,
                           int spanCount, std::string& why)
 {
+    why.clear();
     if (!checkSize(radius, "radius", why) || !checkSize(heightRatio, "height ratio", why) || !checkSpans(spanCount, "spans", why))
         return {};
     const Axes           axes = axesOf(at.axis);
@@ -282,6 +288,7 @@ Ref<SurfaceBody> cylinder(const Placement& at, double radius, double heightRatio
 Ref<SurfaceBody> cone(const Placement& at, double radius, double heightRatio, double sweep, int degree, int sections,
                       int spanCount, std::string& why)
 {
+    why.clear();
     if (!checkSize(radius, "radius", why) || !checkSize(heightRatio, "height ratio", why) || !checkSpans(spanCount, "spans", why))
         return {};
     const Axes           axes = axesOf(at.axis);
@@ -293,6 +300,7 @@ Ref<SurfaceBody> cone(const Placement& at, double radius, double heightRatio, do
 Ref<SurfaceBody> torus(const Placement& at, double radius, double heightRatio, double sweep, double minorSweep, int degree,
                        int sections, int spanCount, std::string& why)
 {
+    why.clear();
     if (!checkSize(radius, "radius", why) || !checkSize(heightRatio, "height ratio", why) ||
         !checkArc(minorSweep, degree, spanCount, why))
         return {};

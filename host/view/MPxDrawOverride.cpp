@@ -1,19 +1,18 @@
 #include <maya/MPxDrawOverride.h>
 
 #include <maya/MDagPath.h>
-#include <maya/MFnDagNode.h>
 #include <maya/MUserData.h>
 
+#include "dag/dag.h"
+#include "dag/path_access.h"
+#include "nodes/dag_attrs.h"
 #include "view/renderer.h"
 
 MUserData::~MUserData() = default;
 
 namespace MHWRender {
 
-MPxDrawOverride::MPxDrawOverride(const MObject&, GeometryDrawOverrideCb callback, bool isAlwaysDirty)
-    : callback_(callback), alwaysDirty_(isAlwaysDirty)
-{
-}
+MPxDrawOverride::MPxDrawOverride(const MObject&, GeometryDrawOverrideCb callback, bool) : callback_(callback) {}
 
 MPxDrawOverride::~MPxDrawOverride() = default;
 
@@ -27,10 +26,19 @@ void    MPxDrawOverride::addUIDrawables(const MDagPath&, MUIDrawManager&, const 
 
 MBoundingBox MPxDrawOverride::boundingBox(const MDagPath& objPath, const MDagPath&) const
 {
-    return MFnDagNode(objPath).boundingBox();
+    mirk::Node* node = mirk::PathAccess::unwrap(objPath).node();
+    double b[6];
+    if (!node || !mirk::nodes::nodeBox(*node, b))
+        return MBoundingBox();
+    return MBoundingBox(MPoint(b[0], b[1], b[2]), MPoint(b[3], b[4], b[5]));
 }
 
-MMatrix MPxDrawOverride::transform(const MDagPath& objPath, const MDagPath&) const { return objPath.inclusiveMatrix(); }
+MMatrix MPxDrawOverride::transform(const MDagPath& objPath, const MDagPath&) const
+{
+    MMatrix matrix;
+    mirk::PathAccess::inclusiveMatrix(objPath, matrix.matrix);
+    return matrix;
+}
 
 MRenderer* MRenderer::theRenderer(bool initializeRenderer)
 {

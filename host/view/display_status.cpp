@@ -1,31 +1,18 @@
-// How the viewport shows an object: by selection, templates and display overrides.
-#include <maya/MDagPath.h>
-#include <maya/MFnDependencyNode.h>
-#include <maya/MHWGeometryUtilities.h>
-#include <maya/MPlug.h>
+#include "view/display_status.h"
 
-#include "dag/dag.h"
+#include <algorithm>
+
+#include <maya/MDagPath.h>
+#include <maya/MHWGeometryUtilities.h>
+
 #include "dag/path_access.h"
+#include "nodes/dag_attrs.h"
 #include "view/frame.h"
 #include "view/palette.h"
 
-namespace MHWRender {
+namespace mirk::view {
 
 namespace {
-
-using mirk::Path;
-
-bool isOn(const MFnDependencyNode& node, const char* attribute)
-{
-    const MPlug plug = node.findPlug(attribute, false);
-    return !plug.isNull() && plug.asBool();
-}
-
-float channel(const MFnDependencyNode& node, const char* attribute)
-{
-    const MPlug plug = node.findPlug(attribute, false);
-    return plug.isNull() ? 0.f : plug.asFloat();
-}
 
 /// The item is this path or one above it, as a whole.
 bool covers(const mirk::Item& item, const Path& path)
@@ -35,67 +22,91 @@ bool covers(const mirk::Item& item, const Path& path)
            std::equal(above.begin(), above.end(), nodes.begin());
 }
 
-/// Components of the object are selected.
 bool coversPart(const mirk::Item& item, const Path& path)
 {
-    return item.component && item.path.nodes.size() && item.path.node() == path.node();
+    return item.component && item.path.node() && item.path.node() == path.node();
 }
 
-/// The colour that the nearest node at or above the object asks for; false if none does.
-bool overrideColor(const Path& path, MColor& color)
+bool isTemplated(Node& node)
 {
-    for (size_t n = path.nodes.size(); n-- > 0;) {
-        const MFnDependencyNode node(mirk::PathAccess::node(mirk::PathAccess::wrap({{path.nodes.begin(), path.nodes.begin() + long(n) + 1}})));
-        if (!isOn(node, "overrideEnabled"))
-            continue;
-        if (isOn(node, "overrideRGBColors")) {
-            color = MColor(channel(node, "overrideColorR"), channel(node, "overrideColorG"), channel(node, "overrideColorB"));
-            return true;
-        }
-        const int index = int(channel(node, "overrideColor"));
-        if (index > 0) {   // 0 stands for the default
-            const mirk::view::Color c = mirk::view::paletteColor(index);
-            color = MColor(c.r, c.g, c.b);
-            return true;
-        }
-    }
-    return false;
+    return attributeValue(node, "template") != 0 ||
+           (attributeValue(node, "overrideEnabled") != 0 && attributeValue(node, "overrideDisplayType") == 1);
 }
 
 }  // namespace
 
-DisplayStatus MGeometryUtilities::displayStatus(const MDagPath& dagPath, MStatus* ReturnStatus)
+double attributeValue(Node& node, const char* name, double otherwise)
 {
-    const Path path = mirk::PathAccess::unwrap(dagPath);
-    if (ReturnStatus)
-        *ReturnStatus = path.valid() ? MStatus::kSuccess : MStatus::kFailure;
+    const Attribute* attribute = node.findAttribute(name);
+    return attribute && node.cell(attribute) ? nodes::pulledNumber(node, attribute) : otherwise;
+}
+
+bool showsItself(Node& node)
+{
+    return attributeValue(node, "visibility", 1) != 0 && attributeValue(node, "lodVisibility", 1) != 0 &&
+           attributeValue(node, "intermediateObject") == 0 &&
+           (attributeValue(node, "overrideEnabled") == 0 || attributeValue(node, "overrideVisibility", 1) != 0);
+}
+
+int displayStatus(const Path& path)
+{
+    using namespace MHWRender;
     if (!path.valid())
         return kNoStatus;
-    if (isOn(MFnDependencyNode(dagPath.node()), "intermediateObject"))
+    if (attributeValue(*path.node(), "intermediateObject") != 0)
         return kIntermediateObject;
-    if (!dagPath.isVisible())
-        return kInvisible;
-    const std::vector<mirk::Item>& selected = mirk::selection::get();
-    bool whole = false, part = false;
-    for (const mirk::Item& item : selected) {
-        whole = whole || covers(item, path);
-        part = part || coversPart(item, path);
+    bool templated = false;
+    for (const Ref<Node>& node : path.nodes) {
+        if (!showsItself(*node))
+            return kInvisible;
+        templated = templated || isTemplated(*node);
     }
-    if (dagPath.isTemplated())
+    const std::vector<mirk::Item>& selected = selection::get();
+    const auto any = [&](auto test) { return std::any_of(selected.begin(), selected.end(), [&](auto& i) { return test(i, path); }); };
+    const bool whole = any(covers);
+    if (templated)
         return whole ? kActiveTemplate : kTemplate;
     if (whole)
         return covers(selected.back(), path) ? kLead : kActive;
-    return part ? kHilite : kDormant;
+    return any(coversPart) ? kHilite : kDormant;
 }
 
-MColor MGeometryUtilities::wireframeColor(const MDagPath& dagPath, MStatus* ReturnStatus)
+Color wireframeColor(const Path& path)
 {
-    const DisplayStatus status = displayStatus(dagPath, ReturnStatus);
-    MColor color;
-    if (status == kDormant && overrideColor(mirk::PathAccess::unwrap(dagPath), color))
-        return color;
-    const mirk::view::Color c = mirk::view::statusColor(status);
+    const int status = displayStatus(path);
+    if (status == MHWRender::kDormant)
+        for (size_t n = path.nodes.size(); n-- > 0;) {   // the nearest node at or above the object that asks
+            Node& node = *path.nodes[n];
+            if (attributeValue(node, "overrideEnabled") == 0)
+                continue;
+            if (attributeValue(node, "overrideRGBColors") != 0)
+                return {float(attributeValue(node, "overrideColorR")), float(attributeValue(node, "overrideColorG")),
+                        float(attributeValue(node, "overrideColorB")), 1};
+            if (const int index = int(attributeValue(node, "overrideColor")))   // 0 stands for the default
+                return paletteColor(index);
+        }
+    return statusColor(status);
+}
+
+}  // namespace mirk::view
+
+namespace MHWRender {
+
+MColor MGeometryUtilities::wireframeColor(const MDagPath& path, MStatus* ReturnStatus)
+{
+    const mirk::Path own = mirk::PathAccess::unwrap(path);
+    if (ReturnStatus)
+        *ReturnStatus = own.valid() ? MStatus::kSuccess : MStatus::kFailure;
+    const mirk::view::Color c = mirk::view::wireframeColor(own);
     return MColor(c.r, c.g, c.b, c.a);
+}
+
+DisplayStatus MGeometryUtilities::displayStatus(const MDagPath& path, MStatus* ReturnStatus)
+{
+    const mirk::Path own = mirk::PathAccess::unwrap(path);
+    if (ReturnStatus)
+        *ReturnStatus = own.valid() ? MStatus::kSuccess : MStatus::kFailure;
+    return DisplayStatus(mirk::view::displayStatus(own));
 }
 
 }  // namespace MHWRender

@@ -1,19 +1,17 @@
 #include "view/scene_draw.h"
 
 #include <map>
-#include <string>
+#include <memory>
 #include <utility>
 
-#include <maya/MFnDependencyNode.h>
+#include <maya/MDagPath.h>
 #include <maya/MHWGeometryUtilities.h>
-#include <maya/MItDag.h>
-#include <maya/MMatrix.h>
-#include <maya/MObjectHandle.h>
-#include <maya/MPlug.h>
 #include <maya/MPxLocatorNode.h>
 
+#include "dag/path_access.h"
+#include "data/mobject.h"
 #include "view/builders.h"
-#include "view/convert.h"
+#include "view/display_status.h"
 #include "view/draw_override.h"
 #include "view/registry.h"
 #include "view/scene_items.h"
@@ -25,7 +23,7 @@ namespace {
 /// An object's override as kept from frame to frame.
 struct Kept
 {
-    MObjectHandle                node;
+    Ref<Node>                    node;
     DrawOverrideCreator          creator = nullptr;
     std::unique_ptr<DrawnObject> drawn;
     bool                         used = false;
@@ -38,24 +36,23 @@ std::map<std::string, Kept>& keptOverrides()
     return *all;
 }
 
-DrawnObject* overrideFor(const MDagPath& path)
+DrawnObject* overrideFor(const Path& path)
 {
-    const MFnDependencyNode node(path.node());
-    const DrawOverrideCreator creator = findDrawOverride(MFnDependencyNode::classification(node.typeName()).asChar());
+    const DrawOverrideCreator creator = findDrawOverride(path.node()->type->classification);
     if (!creator)
         return nullptr;
-    Kept& kept = keptOverrides()[path.fullPathName().asChar()];
+    Kept& kept = keptOverrides()[dag::fullName(path)];
     kept.used = true;
-    const MObject object = path.node();
-    if (kept.drawn && kept.creator == creator && kept.node.isValid() && kept.node.object() == object)
+    if (kept.creator == creator && kept.node == path.nodes.back())
         return kept.drawn.get();
-    std::unique_ptr<MHWRender::MPxDrawOverride> made(creator(object));
-    kept.node = MObjectHandle(object);
+    std::unique_ptr<MHWRender::MPxDrawOverride> made(creator(wrap(path.node())));
+    kept.node = path.nodes.back();
     kept.creator = creator;
     kept.drawn = made ? std::make_unique<DrawnObject>(std::move(made)) : nullptr;
     return kept.drawn.get();
 }
 
+/// Objects that were not drawn this time lose their override, deleted nodes among them.
 void dropUnused()
 {
     for (auto it = keptOverrides().begin(); it != keptOverrides().end();) {
@@ -64,27 +61,30 @@ void dropUnused()
     }
 }
 
-double number(const MFnDependencyNode& node, const char* name, double otherwise)
+Matrix worldMatrix(const Path& path)
 {
-    const MPlug plug = node.findPlug(name, false);
-    return plug.isNull() ? otherwise : plug.asDouble();
+    double m[4][4];
+    dag::inclusiveMatrix(path, m);
+    Matrix out;
+    std::copy(&m[0][0], &m[0][0] + 16, out.begin());
+    return out;
 }
 
 /// A locator that draws itself with OpenGL and has no override.
-void addLegacyLocator(const MDagPath& path, const FrameData& frame, const Matrix& matrix, DrawList& list)
+void addLegacyLocator(const Path& path, const FrameData& frame, DrawList& list)
 {
-    auto* locator = dynamic_cast<MPxLocatorNode*>(MFnDependencyNode(path.node()).userNode());
+    auto* locator = dynamic_cast<MPxLocatorNode*>(path.node()->user.get());
     if (!locator)
         return;
     FrameData own = frame;
-    own.world = matrix;
+    own.world = worldMatrix(path);
     list.callbacks.push_back({[locator, path, own](const Camera&) {
                                   const InCallback inside(own);
                                   M3dView view = M3dView::active3dView();
-                                  const int status = MHWRender::MGeometryUtilities::displayStatus(path);
-                                  locator->draw(view, path, view.displayStyle(), M3dView::DisplayStatus(status));
+                                  locator->draw(view, PathAccess::wrap(path), view.displayStyle(),
+                                                M3dView::DisplayStatus(displayStatus(path)));
                               },
-                              matrix});
+                              own.world});
 }
 
 class Collector
@@ -93,8 +93,9 @@ public:
     explicit Collector(const SceneDrawOptions& options) : options_(options)
     {
         frame_.camera = options.camera;
-        frame_.cameraPath = options.cameraPath;
         frame_.displayStyle = options.displayStyle;
+        if (options.cameraPath.valid())
+            frame_.cameraPath = std::make_shared<const MDagPath>(PathAccess::wrap(options.cameraPath));
         activeViewport().frame = frame_;
     }
 
@@ -102,51 +103,43 @@ public:
     {
         if (options_.grid)
             addGrid(out_.list);
-        for (MItDag it; !it.isDone(); it.next()) {
-            MDagPath path;
-            if (it.depth() == 0 || !it.getPath(path))
-                continue;
-            if (!path.isVisible())
-                it.prune();
-            else
+        std::vector<Path> shapes;   // gathered first: drawing may run code that edits the scene
+        dag::descend(Path(), [&](const Path& path) {
+            if (!showsItself(*path.node()))
+                return false;
+            if (path.node()->type->shape)
+                shapes.push_back(path);
+            return true;
+        });
+        for (const Path& path : shapes)
+            if (path.valid())
                 add(path);
-        }
         dropUnused();
         return std::move(out_);
     }
 
 private:
-    void add(const MDagPath& path)
+    void add(const Path& path)
     {
-        if (!path.hasFn(MFn::kShape))
-            return;
         out_.objects.push_back(path);
         const auto id = static_cast<uint32_t>(out_.objects.size());
-        if (DrawnObject* drawn = overrideFor(path)) {
-            drawn->draw(path, options_.cameraPath ? *options_.cameraPath : MDagPath(), frame_, id, out_.list);
-            return;
-        }
-        const Matrix matrix = fromMatrix(path.inclusiveMatrix());
-        if (!addShapeItems(path, matrix, look(path, id), out_.list) && path.apiType() == MFn::kPluginLocatorNode)
-            addLegacyLocator(path, frame_, matrix, out_.list);
+        if (DrawnObject* drawn = overrideFor(path))
+            drawn->draw(PathAccess::wrap(path), frame_.cameraPath ? *frame_.cameraPath : MDagPath(), frame_, id, out_.list);
+        else if (!addShapeItems(*path.node(), worldMatrix(path), look(path, id), out_.list) &&
+                 path.node()->apiType() == MFn::kPluginLocatorNode)
+            addLegacyLocator(path, frame_, out_.list);
     }
 
-    Look look(const MDagPath& path, uint32_t id) const
+    Look look(const Path& path, uint32_t id) const
     {
         using namespace MHWRender;
-        const int  status = options_.selection ? int(MGeometryUtilities::displayStatus(path)) : int(kDormant);
-        const bool active = status == kActive || status == kLead || status == kHilite;
+        const int  status = options_.selection ? displayStatus(path) : int(kDormant);
+        const bool templated = status == kTemplate || status == kActiveTemplate;
         Look look;
-        look.id = status == kTemplate ? 0 : id;
-        look.shaded = (options_.displayStyle & (MFrameContext::kGouraudShaded | MFrameContext::kFlatShaded)) && status != kTemplate &&
-                      status != kActiveTemplate;
-        look.wire = options_.wireOnShaded || active;
-        if (options_.selection) {
-            const MColor c = MGeometryUtilities::wireframeColor(path);
-            look.wireColor = {c.r, c.g, c.b, c.a};
-        } else {
-            look.wireColor = statusColor(kDormant);
-        }
+        look.id = templated ? 0 : id;
+        look.shaded = (options_.displayStyle & (MFrameContext::kGouraudShaded | MFrameContext::kFlatShaded)) && !templated;
+        look.wire = options_.wireOnShaded || status == kActive || status == kLead || status == kHilite;
+        look.wireColor = options_.selection ? wireframeColor(path) : statusColor(kDormant);
         return look;
     }
 
@@ -169,38 +162,42 @@ Image renderScene(const SceneDrawOptions& options)
     return renderer().render(request);
 }
 
-std::vector<MDagPath> pickScene(const SceneDrawOptions& options, int x, int y, int width, int height)
+std::vector<Path> pickScene(const SceneDrawOptions& options, int x, int y, int width, int height)
 {
     const SceneDraw scene = collectScene(options);
     RenderRequest request;
     request.camera = options.camera;
     request.list = &scene.list;
-    std::vector<MDagPath> found;
+    std::vector<Path> found;
     for (const Hit& hit : renderer().pick(request, x, y, width, height))
         if (hit.id <= scene.objects.size())
             found.push_back(scene.objects[hit.id - 1]);
     return found;
 }
 
-bool cameraOf(const MDagPath& path, int width, int height, Camera& camera, std::shared_ptr<const MDagPath>& shape)
+bool cameraOf(const Path& path, int width, int height, Camera& camera, Path& shape)
 {
-    MDagPath found = path;
-    if (found.isValid() && found.apiType() != MFn::kCamera)
-        found.extendToShape();
-    if (!found.isValid() || found.apiType() != MFn::kCamera)
+    Path found = path;
+    if (found.valid() && found.node()->apiType() != MFn::kCamera && found.node()->dag)
+        for (Node* child : found.node()->dag->children)
+            if (child->apiType() == MFn::kCamera) {
+                found.nodes.push_back(Ref<Node>(child));
+                break;
+            }
+    if (!found.valid() || found.node()->apiType() != MFn::kCamera)
         return false;
-    const MFnDependencyNode node(found.node());
-    Lens lens;
-    lens.focalLength = number(node, "focalLength", lens.focalLength);
-    lens.horizontalAperture = number(node, "horizontalFilmAperture", lens.horizontalAperture);
-    lens.verticalAperture = number(node, "verticalFilmAperture", lens.verticalAperture);
-    lens.filmFit = int(number(node, "filmFit", lens.filmFit));
-    lens.orthographic = number(node, "orthographic", 0) != 0;
-    lens.orthographicWidth = number(node, "orthographicWidth", lens.orthographicWidth);
-    lens.nearClip = number(node, "nearClipPlane", lens.nearClip);
-    lens.farClip = number(node, "farClipPlane", lens.farClip);
-    camera = makeCamera(fromMatrix(found.inclusiveMatrix()), lens, width, height);
-    shape = std::make_shared<const MDagPath>(found);
+    Node& node = *found.node();
+    Lens  lens;
+    lens.focalLength = attributeValue(node, "focalLength", lens.focalLength);
+    lens.horizontalAperture = attributeValue(node, "horizontalFilmAperture", lens.horizontalAperture);
+    lens.verticalAperture = attributeValue(node, "verticalFilmAperture", lens.verticalAperture);
+    lens.filmFit = int(attributeValue(node, "filmFit", lens.filmFit));
+    lens.orthographic = attributeValue(node, "orthographic", 0) != 0;
+    lens.orthographicWidth = attributeValue(node, "orthographicWidth", lens.orthographicWidth);
+    lens.nearClip = attributeValue(node, "nearClipPlane", lens.nearClip);
+    lens.farClip = attributeValue(node, "farClipPlane", lens.farClip);
+    camera = makeCamera(worldMatrix(found), lens, width, height);
+    shape = found;
     return true;
 }
 

@@ -1,30 +1,29 @@
 // Pictures of the scene: what its objects look like, and the camera that sees them.
 #pragma once
-#include <memory>
 #include <vector>
 
-#include <maya/MDagPath.h>
 #include <maya/MFrameContext.h>
 
+#include "dag/dag.h"
 #include "view/renderer.h"
 
 namespace mirk::view {
 
 struct SceneDrawOptions
 {
-    Camera                          camera;
-    std::shared_ptr<const MDagPath> cameraPath;     ///< handed to draw overrides; null if the camera is no node
-    unsigned                        displayStyle = MHWRender::MFrameContext::kGouraudShaded;
-    bool                            wireOnShaded = false;
-    bool                            grid = true;
-    bool                            selection = true;   ///< selected objects show their status colour
-    int                             samples = 4;
+    Camera   camera;
+    Path     cameraPath;   ///< handed to draw overrides; empty if the camera is no node
+    unsigned displayStyle = MHWRender::MFrameContext::kGouraudShaded;
+    bool     wireOnShaded = false;
+    bool     grid = true;
+    bool     selection = true;   ///< selected objects show their status colour
+    int      samples = 4;
 };
 
 struct SceneDraw
 {
-    DrawList              list;
-    std::vector<MDagPath> objects;   ///< the object with pick id i stands at i - 1
+    DrawList          list;
+    std::vector<Path> objects;   ///< the object with pick id i stands at i - 1
 };
 
 /// All visible objects, evaluated as far as drawing needs: meshes, curves, surfaces, locators, and whatever has a draw
@@ -35,9 +34,9 @@ SceneDraw collectScene(const SceneDrawOptions& options);
 Image renderScene(const SceneDrawOptions& options);
 
 /// Objects in a rectangle of pixels from the lower left, nearest first. Throws Error.
-std::vector<MDagPath> pickScene(const SceneDrawOptions& options, int x, int y, int width, int height);
+std::vector<Path> pickScene(const SceneDrawOptions& options, int x, int y, int width, int height);
 
 /// The camera of a camera shape, or of the shape below a transform. False and nothing written if there is none.
-bool cameraOf(const MDagPath& path, int width, int height, Camera& camera, std::shared_ptr<const MDagPath>& shape);
+bool cameraOf(const Path& path, int width, int height, Camera& camera, Path& shape);
 
 }  // namespace mirk::view

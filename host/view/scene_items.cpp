@@ -3,17 +3,16 @@
 #include <algorithm>
 
 #include <maya/MColorArray.h>
-#include <maya/MDagPath.h>
 #include <maya/MFloatPointArray.h>
 #include <maya/MFloatVectorArray.h>
-#include <maya/MFnDependencyNode.h>
 #include <maya/MFnMesh.h>
 #include <maya/MFnNurbsCurve.h>
 #include <maya/MFnNurbsSurface.h>
 #include <maya/MIntArray.h>
-#include <maya/MPlug.h>
 
+#include "data/mobject.h"
 #include "view/builders.h"
+#include "view/display_status.h"
 
 namespace mirk::view {
 
@@ -72,13 +71,10 @@ std::vector<float> cornerNormals(const MFnMesh& mesh, size_t cornerCount)
 }
 
 /// Empty if the shape shows no colours.
-std::vector<float> cornerColors(const MFnMesh& mesh, const MDagPath& path, size_t cornerCount)
+std::vector<float> cornerColors(const MFnMesh& mesh, Node& shape, size_t cornerCount)
 {
     std::vector<float> out;
-    if (mesh.numColorSets() < 1)
-        return out;
-    const MPlug shown = MFnDependencyNode(path.node()).findPlug("displayColors", false);
-    if (!shown.isNull() && !shown.asBool())
+    if (mesh.numColorSets() < 1 || attributeValue(shape, "displayColors", 1) == 0)
         return out;
     MColorArray colors;
     mesh.getFaceVertexColors(colors);
@@ -90,10 +86,10 @@ std::vector<float> cornerColors(const MFnMesh& mesh, const MDagPath& path, size_
     return out;
 }
 
-void addMesh(const MDagPath& path, const Matrix& matrix, const Look& look, DrawList& list)
+void addMesh(Node& shape, const Matrix& matrix, const Look& look, DrawList& list)
 {
     MStatus status;
-    const MFnMesh mesh(path, &status);
+    const MFnMesh mesh(wrap(&shape), &status);
     const int vertexCount = status ? mesh.numVertices() : 0;
     const float* points = vertexCount > 0 ? mesh.getRawPoints() : nullptr;
     if (!points)
@@ -113,7 +109,7 @@ void addMesh(const MDagPath& path, const Matrix& matrix, const Look& look, DrawL
         return;
     }
     const std::vector<int>   triangles = triangleCorners(mesh, counts, connects);
-    const std::vector<float> normals = cornerNormals(mesh, connects.size()), colors = cornerColors(mesh, path, connects.size());
+    const std::vector<float> normals = cornerNormals(mesh, connects.size()), colors = cornerColors(mesh, shape, connects.size());
     arrays.triangles = triangles;
     arrays.cornerNormals = normals;
     arrays.cornerColors = colors;
@@ -122,10 +118,10 @@ void addMesh(const MDagPath& path, const Matrix& matrix, const Look& look, DrawL
     place(meshItem(arrays, state, look.wire), matrix, list);
 }
 
-void addCurve(const MDagPath& path, const Matrix& matrix, const Look& look, DrawList& list)
+void addCurve(Node& shape, const Matrix& matrix, const Look& look, DrawList& list)
 {
     MStatus status;
-    const MFnNurbsCurve curve(path, &status);
+    const MFnNurbsCurve curve(wrap(&shape), &status);
     double from = 0, to = 0;
     if (!status || !curve.getKnotDomain(from, to))
         return;
@@ -166,10 +162,10 @@ Samples sample(const MFnNurbsSurface& surface, double u0, double u1, double v0, 
     return s;
 }
 
-void addSurface(const MDagPath& path, const Matrix& matrix, const Look& look, DrawList& list)
+void addSurface(Node& shape, const Matrix& matrix, const Look& look, DrawList& list)
 {
     MStatus status;
-    const MFnNurbsSurface surface(path, &status);
+    const MFnNurbsSurface surface(wrap(&shape), &status);
     double u0 = 0, u1 = 0, v0 = 0, v1 = 0;
     if (!status || !surface.getKnotDomain(u0, u1, v0, v1))
         return;
@@ -203,16 +199,12 @@ void addSurface(const MDagPath& path, const Matrix& matrix, const Look& look, Dr
     place(std::move(item), matrix, list);
 }
 
-void addLocator(const MDagPath& path, const Matrix& matrix, const Look& look, DrawList& list)
+void addLocator(Node& shape, const Matrix& matrix, const Look& look, DrawList& list)
 {
-    const MFnDependencyNode node(path.node());
-    double position[3] = {0, 0, 0}, scale[3] = {1, 1, 1};
-    const char* axes[] = {"X", "Y", "Z"};
-    for (int c = 0; c < 3; ++c) {
-        const MPlug p = node.findPlug(MString("localPosition") + axes[c], false), s = node.findPlug(MString("localScale") + axes[c], false);
-        position[c] = p.isNull() ? 0 : p.asDouble();
-        scale[c] = s.isNull() ? 1 : s.asDouble();
-    }
+    const double position[] = {attributeValue(shape, "localPositionX"), attributeValue(shape, "localPositionY"),
+                               attributeValue(shape, "localPositionZ")};
+    const double scale[] = {attributeValue(shape, "localScaleX", 1), attributeValue(shape, "localScaleY", 1),
+                            attributeValue(shape, "localScaleZ", 1)};
     State state;
     state.color = look.wireColor;
     state.id = look.id;
@@ -221,13 +213,13 @@ void addLocator(const MDagPath& path, const Matrix& matrix, const Look& look, Dr
 
 }  // namespace
 
-bool addShapeItems(const MDagPath& path, const Matrix& matrix, const Look& look, DrawList& list)
+bool addShapeItems(Node& shape, const Matrix& matrix, const Look& look, DrawList& list)
 {
-    switch (path.apiType()) {
-        case MFn::kMesh:         addMesh(path, matrix, look, list); return true;
-        case MFn::kNurbsCurve:   addCurve(path, matrix, look, list); return true;
-        case MFn::kNurbsSurface: addSurface(path, matrix, look, list); return true;
-        case MFn::kLocator:      addLocator(path, matrix, look, list); return true;
+    switch (shape.apiType()) {
+        case MFn::kMesh:         addMesh(shape, matrix, look, list); return true;
+        case MFn::kNurbsCurve:   addCurve(shape, matrix, look, list); return true;
+        case MFn::kNurbsSurface: addSurface(shape, matrix, look, list); return true;
+        case MFn::kLocator:      addLocator(shape, matrix, look, list); return true;
         default:                 return false;
     }
 }

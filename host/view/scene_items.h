@@ -1,8 +1,7 @@
 // Items of the built-in kinds of objects, in object space.
 #pragma once
+#include "graph/node.h"
 #include "view/draw_list.h"
-
-class MDagPath;
 
 namespace mirk::view {
 
@@ -16,6 +15,6 @@ struct Look
 };
 
 /// Adds what the shape looks like; false if it is of no kind known here. `matrix`: object to world.
-bool addShapeItems(const MDagPath& path, const Matrix& matrix, const Look& look, DrawList& list);
+bool addShapeItems(Node& shape, const Matrix& matrix, const Look& look, DrawList& list);
 
 }  // namespace mirk::view

@@ -151,7 +151,7 @@ TEST(ValueData, NumbersOfTheirTypeOnly)
     fn.getData(value);
     EXPECT_EQ(value, 32767);
     MStatus status;
-    EXPECT_TRUE(fn.create(MFnNumericData::Type(77), &status).isNull());
+    EXPECT_TRUE(fn.create(MFnNumericData::kInvalid, &status).isNull());
     EXPECT_EQ(status, MS::kInvalidParameter);
 }
 

@@ -214,6 +214,8 @@ TEST(Render, CallbackExceptionLeavesTheRendererUsable)
     DrawList list{{square(0.5f, 0, kRed)}, {}};
     list.callbacks.push_back({[](const Camera&) { throw std::runtime_error("from the callback"); }, kIdentity});
     EXPECT_THROW(render(list, flatCamera()), std::runtime_error);
+    list.callbacks[0].draw = [&](const Camera& camera) { render(DrawList(), camera); };
+    EXPECT_THROW(render(list, flatCamera()), Error) << "a picture inside a picture";
     list.callbacks.clear();
     EXPECT_EQ(at(render(list, flatCamera()), 32, 32), (Pixel{255, 0, 0, 255}));
 }

@@ -174,6 +174,21 @@ TEST_F(Mel, ArraysMoveWithoutCopies)
     EXPECT_EQ(*execute("$melBig;").asFloats()->begin(), 7);
 }
 
+TEST_F(Mel, TopLevelVariableDeclaredAsAnotherType)
+{
+    execute("int $melT[]; $melT[1] = 5; int $melT[]; global proc int melTSize() { global int $melT[]; return size($melT); }");
+    EXPECT_EQ(execute("melTSize();").asInt(), 2) << "declared again, it keeps its value";
+    EXPECT_NE(errorOf("float $melT[]; $melT = \"x\";"), "ok");
+    EXPECT_EQ(execute("melTSize();").asInt(), 2) << "the text that fails changes nothing";
+    EXPECT_EQ(errorOf("float $melT[]; $melT[0] = 1.5;"), "ok");
+    EXPECT_EQ(execute("$melT;").kind(), command::Value::kFloats);
+    EXPECT_EQ(execute("melTSize();").asInt(), 1) << "older code reads it converted";
+    EXPECT_EQ(errorOf("vector $melT[] = {<<1, 2, 3>>};"), "ok");
+    EXPECT_NE(errorOf("melTSize();").find("Cannot convert data of type vector[] to type int[]"), std::string::npos);
+    execute("$melDyn = `melTestFloats 2`;");
+    EXPECT_EQ(execute("float $melDyn[]; size($melDyn);").asInt(), 2) << "a type found at run time, declared later";
+}
+
 TEST_F(Mel, RecursionEndsWithAnError)
 {
     EXPECT_NE(errorOf("global proc int melDeep(int $n) { return melDeep($n + 1) + 1; } melDeep(0);").find("Stack overflow"), std::string::npos);
@@ -185,6 +200,15 @@ TEST_F(Mel, RecursionEndsWithAnError)
     for (int i = 0; i < 20000; ++i)
         sum += " + 1";
     EXPECT_EQ(execute(sum + "; $melSum;").asInt(), 20000);
+    // more numbers than a frame has registers
+    std::string list, words;
+    for (int i = 0; i < 70000; ++i)
+    {
+        list += (i ? "," : "") + std::to_string(i);
+        words += " " + std::to_string(i) + ".5";
+    }
+    EXPECT_EQ(execute("int $melMany[] = {" + list + "}; $melMany[69999];").asInt(), 69999);
+    EXPECT_EQ(execute("melTestGive" + words).asFloat(), 0.5);
     EXPECT_EQ(errorOf("print(\"alive\");"), "ok");
 }
 

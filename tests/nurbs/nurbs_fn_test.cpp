@@ -4,11 +4,13 @@
 #include <maya/MDoubleArray.h>
 #include <maya/MFnComponentListData.h>
 #include <maya/MFnDoubleIndexedComponent.h>
+#include <maya/MFnMesh.h>
 #include <maya/MFnNurbsCurve.h>
 #include <maya/MFnNurbsCurveData.h>
 #include <maya/MFnNurbsSurface.h>
 #include <maya/MFnNurbsSurfaceData.h>
 #include <maya/MFnSingleIndexedComponent.h>
+#include <maya/MIntArray.h>
 #include <maya/MItCurveCV.h>
 #include <maya/MItGeometry.h>
 #include <maya/MItSurfaceCV.h>
@@ -16,6 +18,7 @@
 #include <maya/MPointArray.h>
 
 #include "data/mobject.h"
+#include "data/point_walk.h"
 #include "nurbs/nurbs_data.h"
 #include "nurbs/primitives.h"
 
@@ -279,4 +282,81 @@ TEST(ItGeometry, ComponentsListsAndSpaces)
     EXPECT_TRUE(none.isDone());
     MItGeometry nothing{MObject(), &status};
     EXPECT_NE(status, MS::kSuccess);
+}
+
+namespace {
+
+/// A unit square of two triangles in the XZ plane, looking up.
+MObject square()
+{
+    MIntArray counts(2, 3), connects;
+    for (int i : {0, 1, 2, 0, 2, 3})
+        connects.append(i);
+    MObject owner = wrap(make<MeshData>());
+    MFnMesh fn;
+    fn.create(4, 2, points({{0, 0, 0}, {0, 0, 1}, {1, 0, 1}, {1, 0, 0}}), counts, connects, owner);
+    return owner;
+}
+
+}  // namespace
+
+TEST(ItGeometry, MeshVerticesAndTheirNormals)
+{
+    const MObject data = square(), shared = shareOf(data);
+    MFnGeometryData(data).setMatrix(moved(10, 2));
+    MItGeometry it(transformedOf(data));
+    MPointArray all;
+    it.allPositions(all, MSpace::kWorld);
+    ASSERT_EQ(all.length(), 4u);
+    EXPECT_EQ(all[2], MPoint(12, 0, 2));
+    EXPECT_NEAR(it.normal(MSpace::kWorld).y, 1, 1e-6);
+    for (; !it.isDone(); it.next()) {   // normals are those from before the move
+        EXPECT_NEAR(it.normal().y, 1, 1e-6);
+        it.setPosition(it.position() + it.normal() * it.index());
+    }
+    MPoint p;
+    MFnMesh(data).getPoint(3, p);
+    EXPECT_EQ(p, MPoint(1, 3, 0));
+    MFnMesh(shared).getPoint(3, p);
+    EXPECT_EQ(p, MPoint(1, 0, 0));
+
+    MStatus     status;
+    MItGeometry onCurve(line());
+    EXPECT_EQ(onCurve.normal(MSpace::kObject, &status), MVector());
+    EXPECT_EQ(status, MS::kFailure);
+}
+
+TEST(ItGeometry, OnABlocksDataWorldIsItsMatrixAndGroupsSelect)
+{
+    const MObject             data = square();
+    MFnGeometryData           groups(data);
+    MFnSingleIndexedComponent component;
+    MObject                   members = component.create(MFn::kMeshVertComponent);
+    component.addElement(2);
+    groups.addObjectGroup(5);
+    groups.addObjectGroupComponent(5, members);
+    groups.setMatrix(moved(10, 2));
+
+    int        opened = 0;
+    Ref<Data>  own;
+    const auto forWrite = [&]() -> Object* {
+        ++opened;
+        own = objectAs<Data>(data)->share();
+        return own.get();
+    };
+    PointWalk      walk;
+    const unsigned five = 5, six = 6;
+    ASSERT_EQ(walk.open(objectAs<GeometryData>(data), &six, forWrite), MS::kSuccess);
+    EXPECT_EQ(walk.count(), 0);
+    ASSERT_EQ(walk.open(objectAs<GeometryData>(data), &five, forWrite), MS::kSuccess);
+    ASSERT_EQ(walk.count(), 1);
+    EXPECT_EQ(walk.position(MSpace::kWorld), MPoint(12, 0, 2));
+    EXPECT_EQ(opened, 0);   // reading takes nothing
+    walk.setPosition(MPoint(10, 4, 0), MSpace::kWorld);
+    walk.setPosition(MPoint(10, 6, 0), MSpace::kWorld);
+    EXPECT_EQ(opened, 1);
+    EXPECT_EQ(walk.position(MSpace::kObject), MPoint(0, 3, 0));
+    MPoint p;
+    MFnMesh(data).getPoint(2, p);
+    EXPECT_EQ(p, MPoint(1, 0, 1));
 }

@@ -9,8 +9,6 @@ class MMatrix;
 class MFnGeometryData : public MFnData
 {
 public:
-    enum SubsetState { kUnmodified, kModified, kDeleted };
-
     MFnGeometryData() = default;
     explicit MFnGeometryData(const MObject& object, MStatus* ReturnStatus = nullptr);
     ~MFnGeometryData() override;

@@ -31,7 +31,8 @@ public:
     MStatus setObject(const MObject& object) override;
     virtual MStatus setObject(const MDagPath& path);
 
-    /// Makes a curve in a data object, or as a shape under a transform; returns the data or the shape's parent's child.
+    /// Makes a curve in a data object, which is then returned, or as a shape under a transform. Without either it makes
+    /// and returns a new transform with the shape; the function set works on the shape then.
     /// Fails without making anything if counts, degree, form or knots do not fit together.
     MObject create(const MPointArray& controlVertices, const MDoubleArray& knotSequences, unsigned int degree, Form form,
                    bool create2D, bool createRational, MObject parentOrOwner = MObject::kNullObj,

@@ -22,7 +22,7 @@ class MPxDrawOverride
 public:
     using GeometryDrawOverrideCb = void (*)(const MDrawContext& context, const MUserData* data);
 
-    /// `callback` may be null. An override that is not always dirty is prepared again only when its object changed.
+    /// `callback` may be null. Pictures are made on request and each prepares the override anew, always dirty or not.
     MPxDrawOverride(const MObject& obj, GeometryDrawOverrideCb callback, bool isAlwaysDirty = true);
     virtual ~MPxDrawOverride();
     MPxDrawOverride(const MPxDrawOverride&) = delete;
@@ -50,7 +50,6 @@ private:
     friend class mirk::view::DrawnObject;
 
     GeometryDrawOverrideCb callback_;
-    bool                   alwaysDirty_;
 };
 
 }  // namespace MHWRender
