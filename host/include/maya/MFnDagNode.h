@@ -42,7 +42,8 @@ public:
     bool     isInstanced(bool indirect = true, MStatus* ReturnStatus = nullptr) const;
     bool     isInstancedAttribute(const MObject& attr, MStatus* ReturnStatus = nullptr) const;
     unsigned instanceCount(bool total, MStatus* ReturnStatus = nullptr) const;
-    /// A copy below the world, or an instance below it; with `instanceLeaf` copies of transforms share their shapes.
+    /// A copy beside the node, or with `instance` a transform above the same children; with `instanceLeaf` copies share
+    /// their shapes.
     MObject  duplicate(bool instance = false, bool instanceLeaf = false, MStatus* ReturnStatus = nullptr) const;
 
     MDagPath dagPath(MStatus* ReturnStatus = nullptr) const;
