@@ -10,7 +10,6 @@
 #include "command/cmd_util.h"
 #include "command/message.h"
 #include "command/registry.h"
-#include "dag/path_access.h"
 #include "graph/evaluate.h"
 #include "mel/interpreter.h"
 #include "python/python.h"
