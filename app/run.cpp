@@ -10,7 +10,6 @@
 #include "command/cmd_util.h"
 #include "command/message.h"
 #include "command/registry.h"
-#include "dag/path_access.h"
 #include "graph/evaluate.h"
 #include "mel/interpreter.h"
 #include "python/python.h"
@@ -77,7 +76,7 @@ void render(const RunOptions& o, const std::string& path)
     const std::string name = o.camera.empty() ? "persp" : o.camera;
     const mirk::Item  item = mirk::command::oneItem(name);
     mirk::view::SceneDrawOptions options;
-    if (item.path.nodes.empty() || !mirk::view::cameraOf(mirk::PathAccess::wrap(item.path), o.width, o.height, options.camera, options.cameraPath))
+    if (item.path.nodes.empty() || !mirk::view::cameraOf(item.path, o.width, o.height, options.camera, options.cameraPath))
         throw Error("'" + name + "' is no camera");
     options.wireOnShaded = o.wire;
     options.selection = false;

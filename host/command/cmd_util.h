@@ -85,6 +85,7 @@ void registerNurbsCommands();
 void registerSceneCommands();
 void registerTimeCommands();
 void registerSystemCommands();
+void registerPluginCommands();
 
 }  // namespace mirk::command
 

@@ -21,6 +21,7 @@ void registerCommands()
     registerSceneCommands();
     registerTimeCommands();
     registerSystemCommands();
+    registerPluginCommands();
 }
 
 }  // namespace mirk

@@ -14,6 +14,7 @@
 #include "graph/undo.h"
 #include "mel/interpreter.h"
 #include "nodes/builtin.h"
+#include "nodes/poly_edit.h"
 #include "python/python.h"
 
 namespace mirk {
@@ -125,6 +126,7 @@ void startHost(const StartOptions& options)
     eval::setReporter([](const std::string& text, bool isError) { isError ? message::error(text) : message::warning(text); });
     python::setMelEvaluator([](const std::string& text) { return mel::execute(text); });
     registerBuiltinNodes();
+    nodes::registerPolyEdits();
     registerCommands();
     mel::setScriptPath(scriptFolders());
     std::atexit(stopHost);
