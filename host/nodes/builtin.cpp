@@ -119,11 +119,13 @@ void newScene()
 {
     undo::Suspend quiet;
     selection::set({});
-    // first all of them: deleting a transform takes its shapes along
-    for (Node* node : scene().nodes())
-        node->isDefault = node->locked = node->referenced = false;
+    // all are held and unlocked first: deleting a transform takes its shapes along
+    std::vector<Ref<Node>> all;
     for (Node* node : scene().nodes()) {
-        Ref<Node> keep(node);
+        node->isDefault = node->locked = node->referenced = false;
+        all.emplace_back(node);
+    }
+    for (const Ref<Node>& node : all) {
         for (Cell* top : node->cells)
             if (top)
                 walkCells(*top, [](Cell& c) { c.set(Cell::kLocked, false); });
