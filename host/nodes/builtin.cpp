@@ -119,9 +119,11 @@ void newScene()
 {
     undo::Suspend quiet;
     selection::set({});
+    // first all of them: deleting a transform takes its shapes along
+    for (Node* node : scene().nodes())
+        node->isDefault = node->locked = node->referenced = false;
     for (Node* node : scene().nodes()) {
         Ref<Node> keep(node);
-        node->isDefault = node->locked = node->referenced = false;
         for (Cell* top : node->cells)
             if (top)
                 walkCells(*top, [](Cell& c) { c.set(Cell::kLocked, false); });
