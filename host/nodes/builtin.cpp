@@ -120,10 +120,12 @@ void newScene()
     undo::Suspend quiet;
     selection::set({});
     // first all of them: deleting a transform takes its shapes along
-    for (Node* node : scene().nodes())
-        node->isDefault = node->locked = node->referenced = false;
+    std::vector<Ref<Node>> all;   // held: a shape dies with its transform
     for (Node* node : scene().nodes()) {
-        Ref<Node> keep(node);
+        node->isDefault = node->locked = node->referenced = false;
+        all.emplace_back(node);
+    }
+    for (const Ref<Node>& node : all) {
         for (Cell* top : node->cells)
             if (top)
                 walkCells(*top, [](Cell& c) { c.set(Cell::kLocked, false); });
