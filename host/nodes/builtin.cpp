@@ -119,11 +119,11 @@ void newScene()
 {
     undo::Suspend quiet;
     selection::set({});
-    // first all of them: deleting a transform takes its shapes along
-    std::vector<Ref<Node>> all;   // held: a shape dies with its transform
+    // held, and freed of their marks, before the first one goes: deleting a transform takes its shapes along
+    std::vector<Ref<Node>> all;
     for (Node* node : scene().nodes()) {
-        node->isDefault = node->locked = node->referenced = false;
         all.emplace_back(node);
+        node->isDefault = node->locked = node->referenced = false;
     }
     for (const Ref<Node>& node : all) {
         for (Cell* top : node->cells)
