@@ -117,7 +117,7 @@ bool collect(Cell& cell, std::vector<double>& out)
     }
     if (store == Store::kMatrix || store == Store::kFloatMatrix)
         for (int i = 0; i < 16; ++i)
-            out.push_back(store == Store::kMatrix ? static_cast<double*>(cell.v)[i] : double(static_cast<float*>(cell.v)[i]));
+            out.push_back(store == Store::kMatrix ? cell.own.matrix[i] : double(cell.own.floatMatrix[i]));
     else if (const int n = storeDimension(store); n >= 1)
         for (int i = 0; i < n; ++i)
             out.push_back(toUi(*cell.attr, cell.number(i)));

@@ -124,9 +124,9 @@ void writeNumbers(Cell& cell, Arguments& args, bool clamp)
         edit::change(cell, [&] {
             for (int i = 0; i < 16; ++i)
                 if (a.store == Store::kMatrix)
-                    static_cast<double*>(cell.v)[i] = m[i];
+                    cell.own.matrix[i] = m[i];
                 else
-                    static_cast<float*>(cell.v)[i] = float(m[i]);
+                    cell.own.floatMatrix[i] = float(m[i]);
         });
         return;
     }

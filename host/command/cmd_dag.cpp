@@ -6,6 +6,7 @@
 
 #include "command/cmd_util.h"
 #include "command/message.h"
+#include "command/shape_edit.h"
 #include "command/transform_edit.h"
 #include "graph/evaluate.h"
 
@@ -254,7 +255,7 @@ private:
                 {
                     eval::pull(*in);
                     if (in->data())
-                        edit::setData(*to.cell(a), in->data()->share());
+                        setGeometry(to, in->data()->share());
                 }
     }
 

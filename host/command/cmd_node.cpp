@@ -1,7 +1,9 @@
 // Nodes: making, deleting, renaming, asking about their types.
 #include "command/cmd_util.h"
 #include "command/message.h"
+#include "command/shape_edit.h"
 #include "graph/evaluate.h"
+#include "io/scene_file.h"
 #include "graph/undo.h"
 
 namespace mirk::command {
@@ -30,20 +32,27 @@ Value createNode(Call& call)
                 selection::set({itemOf(*present)});
             return Value(present->name);
         }
+    Node* above = call.has("parent") ? &oneNode(call.str("parent")) : nullptr;
+    if (!type && io::readingFile())
+    {
+        Node* kept = io::makeUnknownNode(args[0], name, above);
+        io::noteImportedName(name, kept->name);
+        selection::set({itemOf(*kept)});
+        return Value(nodeName(*kept));
+    }
     if (type && type->abstract)
         fail("Cannot create a node of the abstract type '" + args[0] + "'");
     if (!type)
         fail("Unknown object type: " + args[0]);
-    Node* parent = nullptr;
-    if (call.has("parent"))
-    {
-        parent = &oneNode(call.str("parent"));
-        if (!type->dag)
-            fail("A node of type '" + args[0] + "' has no place below '" + call.str("parent") + "'");
-        if (!isTransform(*parent))
-            fail("'" + call.str("parent") + "' is no transform: nothing can be parented to it");
-    }
-    Node* node = type->dag ? dag::createNode(type, name, parent) : edit::createNode(type, name);
+    if (above && !type->dag)
+        fail("A node of type '" + args[0] + "' has no place below '" + call.str("parent") + "'");
+    if (above && !isTransform(*above))
+        fail("'" + call.str("parent") + "' is no transform: nothing can be parented to it");
+    const std::string wanted = name;
+    if (io::readingFile() && !name.empty())
+        name = io::nameForImport(name);
+    Node* node = type->dag ? dag::createNode(type, name, above) : edit::createNode(type, name);
+    io::noteImportedName(wanted, node->name);
     if (!call.has("skipSelect"))
         selection::set({itemOf(*node)});
     return Value(nodeName(*node));
@@ -78,7 +87,8 @@ void deleteHistory(Node& node)
             eval::pull(*cell);
             Ref<Data> data = cell->data() ? cell->data()->share() : Ref<Data>();
             edit::disconnect(*cell->source, *cell);
-            edit::setData(*cell, data);
+            if (data)
+                setGeometry(*shape, data);
             for (Node* maker : upstream)
             {
                 bool used = false;
@@ -138,6 +148,12 @@ constexpr Flag kRename[] = {{"is", "ignoreShape"}, {"uid", "uuid"}};
 Value renameNode(Call& call)
 {
     const Strings args = call.names();
+    if (call.has("uuid") && args.size() == 1)
+    {
+        for (const Item& item : selection::get())
+            nodeOf(item)->uuid = args[0];
+        return Value(args[0]);
+    }
     if (args.empty() || args.size() > 2)
         fail("rename: an object and a new name have to be given");
     Node* node = nullptr;

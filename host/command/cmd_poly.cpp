@@ -1,6 +1,7 @@
 // Polygon primitives and polyCreateFacet.
 #include "command/cmd_util.h"
 #include "command/maker.h"
+#include "command/shape_edit.h"
 #include "mesh/mesh.h"
 
 namespace mirk::command {
@@ -84,7 +85,7 @@ Value createFacet(Call& call)
     data->body->assignUVs(0, make<Buffer<int>>(connects.data(), connects.size()));
     Node* transform = dag::createNode(findNodeType("transform"), call.str("name", "polySurface#"));
     Node* shape = dag::createNode(findNodeType("mesh"), transform->name + "Shape", transform);
-    edit::setData(*shape->cell(shape->findAttribute("cachedInMesh")), data);
+    setGeometry(*shape, data);
     selection::set({itemOf(*transform)});
     return Value(Strings{nodeName(*transform)});
 }

@@ -3,6 +3,7 @@
 
 #include "command/cmd_util.h"
 #include "command/message.h"
+#include "command/shape_edit.h"
 #include "graph/undo.h"
 #include "io/obj.h"
 #include "io/scene_file.h"
@@ -80,7 +81,7 @@ std::vector<Ref<Node>> addMeshes(const std::vector<NamedMesh>& meshes, const std
     {
         Node* transform = dag::createNode(findNodeType("transform"), nodeNameFrom(m.name, path));
         Node* shape = dag::createNode(findNodeType("mesh"), transform->name + "Shape", transform);
-        edit::setData(*shape->cell(shape->findAttribute("inMesh")), make<MeshData>(m.body));
+        setGeometry(*shape, make<MeshData>(m.body));
         out.emplace_back(transform);
         out.emplace_back(shape);
     }

@@ -235,7 +235,7 @@ Value xformQuery(Call& call, const Item& item)
     {
         std::vector<double> out;
         for (const auto& p : pivots)
-            for (double d : std::as_const(*listOf(MVector(pivotOf(item, p.channel, world)), uiLength).asFloats()))
+            for (double d : numbersIn(listOf(MVector(pivotOf(item, p.channel, world)), uiLength)))
                 out.push_back(d);
         return Value(out);
     }
@@ -395,7 +395,7 @@ Value xform(Call& call)
             return xformQuery(call, items[0]);
         auto out = make<Buffer<double>>();
         for (const Item& item : items)
-            for (double d : std::as_const(*xformQuery(call, item).asFloats()))
+            for (double d : numbersIn(xformQuery(call, item)))
                 out->push(d);
         return Value(out);
     }
@@ -431,7 +431,7 @@ Given given(const Call& call, const char* axes[3], double rest)
             }
         }
         else
-            for (double d : std::as_const(*call.args[i].asFloats()))
+            for (double d : numbersIn(call.args[i]))
                 numbers.push_back(d);
     const bool any = call.has(axes[0]) || call.has(axes[1]) || call.has(axes[2]);
     g.value = MVector(rest, rest, rest);

@@ -9,12 +9,29 @@
 
 #include "command/value_text.h"
 #include "graph/evaluate.h"
+#include "io/scene_file.h"
 
 namespace mirk::command {
 
 void fail(const std::string& message) { throw Error(message); }
 
 namespace {
+
+/// A name in a file that is being imported: its nodes may have got other names.
+std::string fileName(const std::string& text)
+{
+    const size_t dot = std::min(text.find('.'), text.size());
+    std::string  out;
+    for (size_t at = 0; at <= dot;)
+    {
+        const size_t end = std::min(text.find('|', at), dot);
+        out += io::importedName(text.substr(at, end - at));
+        if (end < dot)
+            out += '|';
+        at = end + 1;
+    }
+    return out + text.substr(dot);
+}
 
 /// ":a" names a in the root namespace; ".x" is an attribute of the selected node.
 std::string normalName(const std::string& text)
@@ -29,7 +46,7 @@ std::string normalName(const std::string& text)
                 return dag::shortestName(*node) + name;
         fail("No node is selected that '" + text + "' could belong to");
     }
-    return name;
+    return io::readingFile() ? fileName(name) : name;
 }
 
 struct Range { size_t open, close; int first, last; bool all; };

@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "command/shape_edit.h"
 #include "graph/evaluate.h"
 
 namespace mirk::command {
@@ -110,7 +111,7 @@ Value runMaker(Call& call, const Maker& maker)
     eval::pull(input);
     const Ref<Data> data = input.data() ? input.data()->share() : Ref<Data>();
     edit::disconnect(output, input);
-    edit::setData(input, data);
+    setGeometry(*shape, data);
     edit::deleteNode(*node);
     return Value(Strings{nodeName(*transform)});
 }

@@ -73,13 +73,27 @@ void setChannels(Node& node, const char* name, const MVector& value)
     }
 }
 
+namespace {
+
+/// What a matrix gives back changed by rounding alone stays as it was.
+void setNear(Node& node, const char* name, MVector value)
+{
+    const MVector now = channels(node, name);
+    for (unsigned k = 0; k < 3; ++k)
+        if (std::fabs(value[k] - now[k]) <= 1e-12 * std::max(1.0, std::fabs(now[k])))
+            value[k] = now[k];
+    setChannels(node, name, value);
+}
+
+}  // namespace
+
 MMatrix localMatrix(Node& node)
 {
     Cell& cell = attributeCell(node, "matrix");
     eval::pull(cell);
     MMatrix m;
     for (int i = 0; i < 16; ++i)
-        m[unsigned(i / 4)][i % 4] = static_cast<double*>(cell.v)[i];
+        m[unsigned(i / 4)][i % 4] = cell.own.matrix[i];
     return m;
 }
 
@@ -105,12 +119,12 @@ void setLocalMatrix(Node& node, const MMatrix& local)
     euler = rotation.asEulerRotation().reorder(rotateOrder);
     const MVector now = channels(node, "rotate");
     euler = euler.closestSolution(MEulerRotation(now.x, now.y, now.z, rotateOrder));
-    setChannels(node, "scale", MVector(scale[0], scale[1], scale[2]));
-    setChannels(node, "shear", MVector(shear[0], shear[1], shear[2]));
-    setChannels(node, "rotate", MVector(euler.x, euler.y, euler.z));
+    setNear(node, "scale", MVector(scale[0], scale[1], scale[2]));
+    setNear(node, "shear", MVector(shear[0], shear[1], shear[2]));
+    setNear(node, "rotate", MVector(euler.x, euler.y, euler.z));
     const MMatrix reached = localMatrix(node);
     const MVector missing(local[3][0] - reached[3][0], local[3][1] - reached[3][1], local[3][2] - reached[3][2]);
-    setChannels(node, "translate", channels(node, "translate") + missing);
+    setNear(node, "translate", channels(node, "translate") + missing);
 }
 
 }  // namespace mirk::command

@@ -2,6 +2,7 @@
 #pragma once
 #include <cstdint>
 #include <string>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -65,6 +66,19 @@ public:
 private:
     Variant v_;
 };
+
+/// The numbers of a value for a loop, which holds them.
+class NumberRange
+{
+public:
+    explicit NumberRange(Floats held) : held_(std::move(held)) {}
+    const double* begin() const { return std::as_const(*held_).begin(); }
+    const double* end() const { return std::as_const(*held_).end(); }
+
+private:
+    Floats held_;
+};
+inline NumberRange numbersIn(const Value& value) { return NumberRange(value.asFloats()); }
 
 /// The one conversion of numbers to text (also MString's): the shortest decimal that reads back as the same double,
 /// without a point for whole numbers.

@@ -4,6 +4,7 @@
 #include <map>
 
 #include "command/geometry_text.h"
+#include "command/shape_edit.h"
 #include "mesh/mesh.h"
 
 namespace mirk::io {
@@ -230,12 +231,8 @@ void build(const Parts& p)
             const F3 n{{p.normals[size_t(c) * 3], p.normals[size_t(c) * 3 + 1], p.normals[size_t(c) * 3 + 2]}};
             body.lockCornerNormals(&n, &c, 1);
         }
-    const Attribute* in = p.shape->findAttribute("inMesh");
-    Cell*            cell = in ? p.shape->cell(in) : nullptr;
-    if (!cell)
-        fail("the shape takes no mesh");
-    if (!cell->source)
-        edit::setData(*cell, data);
+    if (!command::hasHistory(*p.shape))
+        command::setGeometry(*p.shape, data);
 }
 
 void appendChunks(std::string& out, const std::string& name, const std::string& type, size_t count, size_t perLine,

@@ -376,9 +376,16 @@ const std::string& importedName(const std::string& name)
     return name;
 }
 
+std::string nameForImport(const std::string& name)
+{
+    if (!g_reading || !g_reading->import || !scene().first(name))
+        return name;
+    return g_reading->prefix + name;
+}
+
 void noteImportedName(const std::string& wanted, const std::string& got)
 {
-    if (g_reading && g_reading->import && wanted != got)
+    if (g_reading && g_reading->import && !wanted.empty() && wanted != got)
         g_reading->names[wanted] = got;
 }
 

@@ -9,11 +9,13 @@
 
 #include "command/attr_value.h"
 #include "command/geometry_text.h"
+#include "command/shape_edit.h"
 #include "command/units_text.h"
 #include "dag/component_text.h"
 #include "io/ma_mesh.h"
 #include "io/scene_file.h"
 #include "mesh/mesh.h"
+#include "nodes/geometry_shape.h"
 #include "nurbs/nurbs_data.h"
 
 namespace mirk::io {
@@ -245,10 +247,31 @@ private:
 
     void attributes(Node& n, std::string& out)
     {
+        const auto* shape = dynamic_cast<nodes::GeometryShape*>(&n);
         for (Cell* top : n.cells)
-            if (top && !top->parent)
+            if (top && !top->parent && !(shape && (top->attr == shape->attrs().input || top->attr == shape->attrs().stored)))
                 cell(*top, out);
+        if (shape)
+            geometry(n, *shape, out);
         out += n.unknownText;
+    }
+
+    /// What a shape without history holds, in whichever of its attributes.
+    static void geometry(Node& n, const nodes::GeometryShape& shape, std::string& out)
+    {
+        const Cell* held = command::geometryCell(n);
+        if (held->source || !held->data())
+            return;
+        if (const auto* mesh = dynamic_cast<MeshData*>(held->data()))
+        {
+            if (mesh->body->vertexCount())
+                out += meshStatements(*mesh->body);
+            return;
+        }
+        const auto* curve = dynamic_cast<CurveData*>(held->data());
+        const auto* surface = dynamic_cast<SurfaceData*>(held->data());
+        if ((curve && !curve->body->empty()) || (surface && !surface->body->empty()))
+            out += "\tsetAttr " + quoted("." + shape.attrs().stored->shortName) + dataText(*held->data()) + ";\n";
     }
 
     /// State flags of a cell as setAttr flags.
@@ -290,7 +313,7 @@ private:
         {
             const std::string value = childSource ? "" : valueText(c);
             if (!value.empty())
-                out += value[0] == '\t' ? value : "\tsetAttr" + state + " " + name + value + ";\n";
+                out += "\tsetAttr" + state + " " + name + value + ";\n";
             else if (!state.empty())
                 out += "\tsetAttr" + state + " " + name + ";\n";
         }
@@ -341,19 +364,13 @@ private:
         {
             if (!c.data())
                 return {};
-            if (auto* mesh = dynamic_cast<MeshData*>(c.data()); mesh && dynamic_cast<MeshSource*>(c.node))
-                return mesh->body->vertexCount() || mesh->body->faceCount() ? meshStatements(*mesh->body) : std::string();
-            if (auto* curve = dynamic_cast<CurveData*>(c.data()); curve && curve->body->empty())
-                return {};
-            if (auto* surface = dynamic_cast<SurfaceData*>(c.data()); surface && surface->body->empty())
-                return {};
             return dataText(*c.data());
         }
         if (a.store == Store::kMatrix || a.store == Store::kFloatMatrix)
         {
             std::string out = " -type \"matrix\"";
             for (int i = 0; i < 16; ++i)
-                out += " " + (a.store == Store::kMatrix ? doubleText(static_cast<double*>(c.v)[i]) : floatText(static_cast<float*>(c.v)[i]));
+                out += " " + (a.store == Store::kMatrix ? doubleText(c.own.matrix[i]) : floatText(c.own.floatMatrix[i]));
             return out;
         }
         const int n = storeDimension(a.store);

@@ -35,6 +35,9 @@ FileData& fileData();
 bool readingFile();
 /// While importing: the name a node of the file got, else the name itself.
 const std::string& importedName(const std::string& name);
+/// The name to ask for: with the file's name in front if the node's own is taken. The file's later statements find it by
+/// the name alone, so it has to be the only one in the scene.
+std::string nameForImport(const std::string& name);
 void noteImportedName(const std::string& wanted, const std::string& got);
 /// A node of a type that nobody registered, to be kept.
 Node* makeUnknownNode(const std::string& type, const std::string& name, Node* parent);
