@@ -119,17 +119,17 @@ void newScene()
 {
     undo::Suspend quiet;
     selection::set({});
-    // first all of them: deleting a transform takes its shapes along
-    for (Node* node : scene().nodes())
-        node->isDefault = node->locked = node->referenced = false;
+    std::vector<Ref<Node>> nodes;   // deleting a transform takes its shapes along
     for (Node* node : scene().nodes()) {
-        Ref<Node> keep(node);
+        nodes.emplace_back(node);
+        node->isDefault = node->locked = node->referenced = false;
         for (Cell* top : node->cells)
-            if (top)
+            if (top && !top->parent)
                 walkCells(*top, [](Cell& c) { c.set(Cell::kLocked, false); });
+    }
+    for (const auto& node : nodes)
         if (node->inScene)
             dag::deleteNode(*node);
-    }
     dag::clear();
     undo::flush();
     playback::reset();
