@@ -75,7 +75,7 @@ def frame(positions):
     low, high = ([f(c) for c in zip(*positions)] for f in (min, max))
     center = [(a + b) / 2.0 for a, b in zip(low, high)]
     radius = max(b - a for a, b in zip(low, high)) / 2.0
-    turn, tilt, distance = math.radians(20.0), math.radians(14.0), 3.5 * radius
+    turn, tilt, distance = math.radians(20.0), math.radians(10.0), 4.2 * radius
     mc.setAttr('persp.translate',
                center[0] + distance * math.sin(turn) * math.cos(tilt),
                center[1] + distance * math.sin(tilt),
@@ -85,11 +85,15 @@ def frame(positions):
 
 def main():
     bunny = importMesh(MODEL)
+    transform = mc.listRelatives(bunny, parent=True, fullPath=True)[0]
 
     reader = mc.createNode('pointAttributeToArray', name='bunnyToArrays')
     for switch in ('pointPosition', 'pointNormal'):
         mc.setAttr(reader + '.' + switch, True)
     mc.connectAttr(bunny + '.worldMesh[0]', reader + '.inGeometry')
+    # the feet go on the ground; the reader is asked again, since its positions are those of world space
+    feet = min(p[1] for p in vectors(mc.getAttr(reader + '.outPositionPP')))
+    mc.setAttr(transform + '.translateY', -feet)
     positions = vectors(mc.getAttr(reader + '.outPositionPP'))
     normals = vectors(mc.getAttr(reader + '.outNormalPP'))
 
@@ -103,7 +107,7 @@ def main():
     for switch in ('positions', 'colors'):
         mc.setAttr(writer + '.' + switch, True)
 
-    transform = mc.createNode('transform', name='wavedBunny')
+    # the result stands beside its original under the same transform, as a deformed shape does
     shape = mc.createNode('mesh', name='wavedBunnyShape', parent=transform)
     mc.connectAttr(writer + '.outGeometry', shape + '.inMesh')
     mc.setAttr(shape + '.displayColors', True)

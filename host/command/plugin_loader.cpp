@@ -59,6 +59,10 @@ std::vector<std::string> pathFromEnvironment()
             at = end + 1;
         }
     }
+    // the toolkit stands beside the host
+    Dl_info here;
+    if (dladdr(reinterpret_cast<void*>(&stem), &here) && here.dli_fname)
+        folders.push_back(fs::path(here.dli_fname).parent_path().string());
     return folders;
 }
 

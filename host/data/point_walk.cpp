@@ -258,23 +258,14 @@ void PointWalk::write(int point, const MPoint& p)
         to[2] = float(p.z);
         return;
     }
-    size_t i = size_t(point);
     if (curve_)
-        i %= size_t(curve_->uniqueCvCount());
+        writeCv(*curve_, cvs_, point, p);
     else
-        i = i / size_t(surface_->cvsV) % size_t(surface_->uniqueU()) * size_t(surface_->cvsV) +
-            i % size_t(surface_->cvsV) % size_t(surface_->uniqueV());
-    cvs_[i] = p;
-    if (!(curve_ ? curve_->rational : surface_->rational))
-        cvs_[i].w = 1;
+        writeCv(*surface_, cvs_, point / surface_->cvsV, point % surface_->cvsV, p);
 }
 
 void PointWalk::endWrite()
 {
-    if (curve_)
-        syncPeriodic(*curve_);
-    else if (surface_)
-        syncPeriodic(*surface_);
     meshPoints_ = nullptr;
     cvs_ = nullptr;
     changed();

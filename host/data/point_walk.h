@@ -90,9 +90,4 @@ private:
     mutable NurbsSpace space_;
 };
 
-/// A walk of a curve's or surface's CVs only.
-class CvWalk : public PointWalk
-{
-};
-
 }  // namespace mirk

@@ -29,6 +29,7 @@ MStatus MFnMesh::bind(const MObject& object, std::shared_ptr<MeshTarget> target)
     if (!target)
         return MS::kInvalidParameter;
     object_ = object;
+    path_ = MDagPath();
     target_ = std::move(target);
     return MS::kSuccess;
 }

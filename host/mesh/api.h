@@ -8,16 +8,13 @@
 #include <maya/MStatus.h>
 #include <maya/MString.h>
 
+#include "data/fn_base.h"
 #include "mesh/mesh.h"
 #include "mesh/space.h"
 
 namespace mirk {
 
-inline void report(MStatus* status, MStatus::MStatusCode code = MStatus::kSuccess)
-{
-    if (status)
-        *status = code;
-}
+inline void report(MStatus* status) { report(status, MStatus::kSuccess); }
 
 /// Makes the array `n` long and gives its first element.
 template <class A>

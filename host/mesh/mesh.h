@@ -7,6 +7,7 @@
 #include <atomic>
 #include <mutex>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <maya/MColor.h>
@@ -170,7 +171,7 @@ public:
 
     // UV sets
     const UVSets& uvSets() const { return *uvSets_; }
-    int    findUVSet(const std::string& name) const;      ///< -1 if there is none
+    int    findUVSet(std::string_view name) const;       ///< -1 if there is none
     UVSet& writeUVSet(int set);                           ///< the entry, whose buffers are still to be detached
     UVSets& writeUVSets();                                ///< for adding, removing, renaming
     /// One id a corner, -1 for none; ids outside the table are refused. Null `ids` takes all assignments away.
@@ -178,7 +179,7 @@ public:
 
     // colour sets
     const ColorSets& colorSets() const { return *colorSets_; }
-    int       findColorSet(const std::string& name) const;
+    int       findColorSet(std::string_view name) const;
     ColorSet& writeColorSet(int set);
     ColorSets& writeColorSets() { return detach(colorSets_); }
     /// A new set, current if it is the first. The name gets a number if it is taken; empty asks for "colorSet1".

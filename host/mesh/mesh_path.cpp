@@ -1,5 +1,4 @@
 // What mesh function sets and iterators do along DAG paths.
-#if __has_include(<maya/MDagPath.h>)
 #include <maya/MDagPath.h>
 #include <maya/MFnMesh.h>
 #include <maya/MItMeshEdge.h>
@@ -37,7 +36,13 @@ MFnMesh::MFnMesh(const MDagPath& path, MStatus* ReturnStatus)
         *ReturnStatus = status;
 }
 
-MStatus MFnMesh::setObject(const MDagPath& path) { return bind(mirk::PathAccess::node(path), mirk::meshAlong(path)); }
+MStatus MFnMesh::setObject(const MDagPath& path)
+{
+    const MStatus status = bind(mirk::PathAccess::node(path), mirk::meshAlong(path));
+    if (status)
+        path_ = path;
+    return status;
+}
 
 MItMeshVertex::MItMeshVertex(const MDagPath& path, const MObject& component, MStatus* ReturnStatus)
     : walk_(std::make_unique<mirk::MeshWalk>(mirk::MeshWalk::vertices))
@@ -78,4 +83,3 @@ MItMeshFaceVertex::MItMeshFaceVertex(const MDagPath& path, const MObject& compon
 }
 
 MStatus MItMeshFaceVertex::reset(const MDagPath& path, const MObject& component) { return walk_->open(mirk::meshAlong(path), component); }
-#endif

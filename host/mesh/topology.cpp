@@ -27,11 +27,12 @@ Ref<Lists> listsByKey(int n, size_t itemCount, int keysPerItem, Key key)
     return lists;
 }
 
-/// Edge numbers by their two vertices: open addressing, at most half full.
+/// Edge numbers by their two vertices: open addressing, at most half full. The first place to look is near that of the
+/// neighbouring vertices; the next ones are scattered, so that a vertex of many edges costs no more than others.
 class EdgeHash
 {
 public:
-    explicit EdgeHash(size_t most)
+    EdgeHash(size_t most, int vertexCount)
     {
         size_t size = 16;
         while (size < most * 2)
@@ -39,13 +40,17 @@ public:
         slots_.resize(size);
         std::fill(slots_.begin(), slots_.end(), -1);
         mask_ = size - 1;
+        while ((size_t(vertexCount) << (shift_ + 1)) <= size && shift_ < 8)
+            ++shift_;
     }
     /// The slot of edge (a, b): holds its number, or -1 for the caller to fill.
     int& slot(const Buffer<EdgeTable::Edge>& edges, int a, int b)
     {
-        const uint64_t key = uint64_t(uint32_t(std::min(a, b))) << 32 | uint32_t(std::max(a, b));
-        size_t i = size_t((key * 0x9e3779b97f4a7c15ull) >> 20) & mask_;
-        for (;; i = (i + 1) & mask_) {
+        const uint64_t low = uint64_t(std::min(a, b)), high = uint64_t(std::max(a, b));
+        const uint64_t mixed = (low << 32 | high) * 0x9e3779b97f4a7c15ull;
+        const size_t step = size_t(mixed >> 20) | 1;   // odd: reaches all slots
+        size_t i = ((low << shift_) + (mixed >> (64 - shift_ - 1)) / 2) & mask_;
+        for (;; i = (i + step) & mask_) {
             const int e = slots_[i];
             if (e < 0 || (edges[e].a == a && edges[e].b == b) || (edges[e].a == b && edges[e].b == a))
                 return slots_[i];
@@ -55,13 +60,15 @@ public:
 private:
     Buffer<int> slots_;
     size_t      mask_;
+    unsigned    shift_ = 0;
 };
 
 Ref<EdgeTable> buildEdges(const Topology& t)
 {
     auto table = make<EdgeTable>();
     table->ofCorner.resize(size_t(t.cornerCount()));
-    EdgeHash hash{size_t(t.cornerCount())};
+    EdgeHash hash(size_t(t.cornerCount()), t.vertexCount());
+    table->edges.reserve(size_t(t.cornerCount()) / 2 + size_t(t.cornerCount()) / 16);
     for (int f = 0; f < t.faceCount(); ++f)
         for (int c = t.first(f); c < t.first(f + 1); ++c) {
             const int a = t.connects()[c], b = t.connects()[t.next(c, f)];

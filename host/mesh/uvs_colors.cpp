@@ -6,7 +6,7 @@ namespace mirk {
 namespace {
 
 template <class Sets>
-int findNamed(const Sets& sets, const std::string& name)
+int findNamed(const Sets& sets, std::string_view name)
 {
     for (size_t i = 0; i < sets.size(); ++i)
         if (sets[i].name == name)
@@ -54,7 +54,7 @@ const Lists& UVSet::ofVertex(const Topology& t) const
     });
 }
 
-int MeshBody::findUVSet(const std::string& name) const { return findNamed(uvSets_->sets, name); }
+int MeshBody::findUVSet(std::string_view name) const { return findNamed(uvSets_->sets, name); }
 
 UVSets& MeshBody::writeUVSets()
 {
@@ -98,7 +98,7 @@ const Buffer<MColor>& ColorSet::ofVertices(const Topology& t) const
     });
 }
 
-int MeshBody::findColorSet(const std::string& name) const { return findNamed(colorSets_->sets, name); }
+int MeshBody::findColorSet(std::string_view name) const { return findNamed(colorSets_->sets, name); }
 
 ColorSet& MeshBody::writeColorSet(int set)
 {

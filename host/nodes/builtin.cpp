@@ -119,9 +119,13 @@ void newScene()
 {
     undo::Suspend quiet;
     selection::set({});
+    // held, and freed of their marks, before the first one goes: deleting a transform takes its shapes along
+    std::vector<Ref<Node>> all;
     for (Node* node : scene().nodes()) {
-        Ref<Node> keep(node);
+        all.emplace_back(node);
         node->isDefault = node->locked = node->referenced = false;
+    }
+    for (const Ref<Node>& node : all) {
         for (Cell* top : node->cells)
             if (top)
                 walkCells(*top, [](Cell& c) { c.set(Cell::kLocked, false); });

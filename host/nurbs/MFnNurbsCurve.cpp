@@ -167,12 +167,7 @@ MStatus MFnNurbsCurve::setCV(unsigned index, const MPoint& point, MSpace::Space 
     CurveBody& body = open.body();
     if (index >= unsigned(body.cvCount()))
         return MS::kInvalidParameter;
-    MPoint p = NurbsSpace(space, *open.data, world_.get()).pointIn(point);
-    if (!body.rational)
-        p.w = 1;
-    const unsigned unique = unsigned(body.uniqueCvCount());
-    detach(body.cvs)[index % unique] = p;
-    syncPeriodic(body);
+    writeCv(body, detach(body.cvs).data(), int(index), NurbsSpace(space, *open.data, world_.get()).pointIn(point));
     open.changed();
     return MS::kSuccess;
 }

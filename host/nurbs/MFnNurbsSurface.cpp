@@ -208,11 +208,8 @@ MStatus MFnNurbsSurface::setCV(unsigned indexU, unsigned indexV, const MPoint& p
     SurfaceBody& body = open.body();
     if (indexU >= unsigned(body.cvsU) || indexV >= unsigned(body.cvsV))
         return MS::kInvalidParameter;
-    MPoint p = NurbsSpace(space, *open.data, world_.get()).pointIn(point);
-    if (!body.rational)
-        p.w = 1;
-    detach(body.cvs)[indexU % unsigned(body.uniqueU()) * unsigned(body.cvsV) + indexV % unsigned(body.uniqueV())] = p;
-    syncPeriodic(body);
+    const MPoint p = NurbsSpace(space, *open.data, world_.get()).pointIn(point);
+    writeCv(body, detach(body.cvs).data(), int(indexU), int(indexV), p);
     open.changed();
     return MS::kSuccess;
 }

@@ -7,18 +7,18 @@ using namespace mirk;
 
 namespace {
 
-MStatus openCurveWalk(CvWalk& walk, const MObject& curve, const MObject& component)
+MStatus openCurveWalk(PointWalk& walk, const MObject& curve, const MObject& component)
 {
     return isCurve(curve) ? walk.open(curve, component) : MStatus(MS::kInvalidParameter);
 }
 
 }  // namespace
 
-MItCurveCV::MItCurveCV(MObject& curve, MStatus* s) : walk_(new CvWalk)
+MItCurveCV::MItCurveCV(MObject& curve, MStatus* s) : walk_(new PointWalk)
 {
     report(s, openCurveWalk(*walk_, curve, MObject()).statusCode());
 }
-MItCurveCV::MItCurveCV(MObject& curve, MObject& component, MStatus* s) : walk_(new CvWalk)
+MItCurveCV::MItCurveCV(MObject& curve, MObject& component, MStatus* s) : walk_(new PointWalk)
 {
     report(s, openCurveWalk(*walk_, curve, component).statusCode());
 }

@@ -6,12 +6,12 @@
 
 using namespace mirk;
 
-MItSurfaceCV::MItSurfaceCV(MObject& surface, bool useRows, MStatus* s) : walk_(new CvWalk), useRows_(useRows)
+MItSurfaceCV::MItSurfaceCV(MObject& surface, bool useRows, MStatus* s) : walk_(new PointWalk), useRows_(useRows)
 {
     report(s, openSurfaceWalk(*walk_, surface, MObject(), useRows).statusCode());
 }
 MItSurfaceCV::MItSurfaceCV(MObject& surface, MObject& component, bool useRows, MStatus* s)
-    : walk_(new CvWalk), useRows_(useRows)
+    : walk_(new PointWalk), useRows_(useRows)
 {
     report(s, openSurfaceWalk(*walk_, surface, component, useRows).statusCode());
 }

@@ -163,6 +163,25 @@ void syncPeriodic(SurfaceBody& body)
                     cvs[size_t(u % uniqueU) * size_t(body.cvsV) + size_t(v % uniqueV)];
 }
 
+void writeCv(const CurveBody& body, MPoint* cvs, int index, MPoint p)
+{
+    if (!body.rational)
+        p.w = 1;
+    const int unique = body.uniqueCvCount();
+    for (int i = index % unique; i < body.cvCount(); i += unique)
+        cvs[i] = p;
+}
+
+void writeCv(const SurfaceBody& body, MPoint* cvs, int u, int v, MPoint p)
+{
+    if (!body.rational)
+        p.w = 1;
+    const int uniqueU = body.uniqueU(), uniqueV = body.uniqueV();
+    for (int i = u % uniqueU; i < body.cvsU; i += uniqueU)
+        for (int j = v % uniqueV; j < body.cvsV; j += uniqueV)
+            cvs[size_t(i) * size_t(body.cvsV) + size_t(j)] = p;
+}
+
 void bakeMatrix(CurveBody& body)
 {
     if (!body.identity)

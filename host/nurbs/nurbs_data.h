@@ -109,6 +109,11 @@ std::string buildSurface(SurfaceBody& body, const MPoint* cvs, size_t cvCount, c
 void syncPeriodic(CurveBody& body);
 void syncPeriodic(SurfaceBody& body);
 
+/// Writes one CV and those of a periodic direction that repeat it. `cvs` is the body's detached buffer; the weight of
+/// geometry that is not rational stays 1.
+void writeCv(const CurveBody& body, MPoint* cvs, int index, MPoint p);
+void writeCv(const SurfaceBody& body, MPoint* cvs, int u, int v, MPoint p);
+
 /// The matrix into the CVs, and the identity in its place: what copying a transformed shell does.
 void bakeMatrix(CurveBody& body);
 void bakeMatrix(SurfaceBody& body);

@@ -48,14 +48,14 @@ MStatus MFnNurbsSurface::setObject(const MDagPath& path)
     return status;
 }
 
-MItCurveCV::MItCurveCV(const MDagPath& path, MObject& component, MStatus* s) : walk_(new CvWalk)
+MItCurveCV::MItCurveCV(const MDagPath& path, MObject& component, MStatus* s) : walk_(new PointWalk)
 {
     const MObject node = PathAccess::node(path);
     report(s, isCurve(node) ? walk_->open(node, component, worldOfPath(path)).statusCode() : MS::kInvalidParameter);
 }
 
 MItSurfaceCV::MItSurfaceCV(const MDagPath& path, MObject& component, bool useRows, MStatus* s)
-    : walk_(new CvWalk), useRows_(useRows)
+    : walk_(new PointWalk), useRows_(useRows)
 {
     report(s, openSurfaceWalk(*walk_, PathAccess::node(path), component, useRows, worldOfPath(path)).statusCode());
 }

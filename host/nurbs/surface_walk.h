@@ -4,7 +4,7 @@
 
 namespace mirk {
 
-inline MStatus openSurfaceWalk(CvWalk& walk, const MObject& surface, const MObject& component, bool useRows,
+inline MStatus openSurfaceWalk(PointWalk& walk, const MObject& surface, const MObject& component, bool useRows,
                                std::shared_ptr<const WorldMatrix> world = nullptr)
 {
     if (!isSurface(surface))

@@ -16,10 +16,7 @@ struct Edits : testing::Test
     }
     void TearDown() override
     {
-        for (Node* n : scene().nodes()) {
-            n->locked = false;
-            edit::deleteNode(*n);
-        }
+        clearScene();
         undo::flush();
     }
     template <class F> void step(const char* name, F&& f) { undo::Scope scope(name); f(); }

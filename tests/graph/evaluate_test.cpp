@@ -20,8 +20,7 @@ struct Evaluate : testing::Test
     void TearDown() override
     {
         adder::hook = nullptr;
-        for (Node* n : scene().nodes())
-            edit::deleteNode(*n);
+        clearScene();
         undo::flush();
     }
     Node *a, *b, *c;

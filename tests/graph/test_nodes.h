@@ -128,6 +128,16 @@ inline Cell& cellOf(Node* node, const char* path)
     return *c;
 }
 
+/// Takes the test's nodes out; other tests may have filled the scene with default ones.
+inline void clearScene()
+{
+    for (Node* n : scene().nodes())
+        if (n->type == adderType()) {
+            n->locked = false;
+            edit::deleteNode(*n);
+        }
+}
+
 inline double get(Node* node, const char* path)
 {
     Cell& c = cellOf(node, path);

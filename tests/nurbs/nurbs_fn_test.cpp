@@ -191,6 +191,27 @@ TEST(NurbsCurveFn, PeriodicCvsStayEqualToThoseTheyRepeat)
     EXPECT_EQ(p, MPoint(1, 2, 3));
 }
 
+TEST(NurbsSurfaceFn, PeriodicCvsStayEqualToThoseTheyRepeat)
+{
+    std::string     why;   // 7 different CVs about the tube, 8 about the axis, 3 more of each
+    const MObject   data = wrap(make<SurfaceData>(nurbs::torus({}, 2, 0.5, 2 * M_PI, 2 * M_PI, 3, 8, 7, why)));
+    MFnNurbsSurface fn(data);
+    ASSERT_EQ(fn.numCVsInU() * 100 + fn.numCVsInV(), 1011);
+    MItGeometry it(data);
+    while (it.index() != 9 * 11 + 10)
+        it.next();
+    it.setPosition(MPoint(5, 6, 7));
+    MPoint p;
+    for (unsigned u : {2u, 9u})
+        for (unsigned v : {2u, 10u}) {
+            fn.getCV(u, v, p);
+            EXPECT_EQ(p, MPoint(5, 6, 7)) << u << " " << v;
+        }
+    fn.setCV(0, 8, MPoint(1, 1, 1));
+    fn.getCV(7, 0, p);
+    EXPECT_EQ(p, MPoint(1, 1, 1));
+}
+
 TEST(NurbsSurfaceFn, CvsRunAlongV)
 {
     MFnNurbsSurfaceData data;

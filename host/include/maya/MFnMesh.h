@@ -6,7 +6,7 @@
 #include <maya/MFloatArray.h>
 #include <maya/MFloatPointArray.h>
 #include <maya/MFloatVectorArray.h>
-#include <maya/MFnBase.h>
+#include <maya/MFnDagNode.h>
 #include <maya/MIntArray.h>
 #include <maya/MPointArray.h>
 #include <maya/MSpace.h>
@@ -17,7 +17,6 @@
 #include <maya/MUintArray.h>
 #include <maya/MVectorArray.h>
 
-class MDagPath;
 class MDGModifier;
 
 namespace mirk {
@@ -31,7 +30,7 @@ class MeshTarget;
 /// that of the matrix that travels with it, if the data was asked for as transformed, else object space. Points and
 /// normals are stored in single precision. A writer changes the data object or shape itself; other data that shares
 /// its buffers keeps its values.
-class MFnMesh : public MFnBase
+class MFnMesh : public MFnDagNode
 {
 public:
     enum MColorRepresentation { kInvalid = 0, kAlpha = 1, kRGB = 3, kRGBA = 4 };
@@ -41,10 +40,9 @@ public:
     explicit MFnMesh(const MDagPath& path, MStatus* ReturnStatus = nullptr);
     ~MFnMesh() override;
     MFn::Type type() const override;
-    using MFnBase::object;
     MStatus setObject(MObject& object) override;
     MStatus setObject(const MObject& object) override;
-    MStatus setObject(const MDagPath& path);
+    MStatus setObject(const MDagPath& path) override;
 
     // Creation. `parentOrOwner`: mesh data that takes the mesh; a transform to put a new shape under; null for a new
     // transform with a shape, which is then returned. Faces are given as vertex counts and concatenated vertex ids.

@@ -7,7 +7,7 @@ class MDagPath;
 class MPoint;
 class MVector;
 namespace mirk {
-class CvWalk;
+class PointWalk;
 }
 
 /// Walks the CVs of a curve, or those of a component on it. The overlapping CVs of a periodic curve come up
@@ -34,5 +34,5 @@ public:
     MStatus updateCurve();
 
 private:
-    mirk::CvWalk* walk_ = nullptr;
+    mirk::PointWalk* walk_ = nullptr;
 };

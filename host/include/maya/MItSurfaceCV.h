@@ -7,7 +7,7 @@ class MDagPath;
 class MPoint;
 class MVector;
 namespace mirk {
-class CvWalk;
+class PointWalk;
 }
 
 /// Walks the CVs of a surface row by row (a row is one U index, V running along it; the other way round without
@@ -43,7 +43,7 @@ public:
 private:
     int rowOfCurrent() const;
 
-    mirk::CvWalk* walk_ = nullptr;
+    mirk::PointWalk* walk_ = nullptr;
     bool          useRows_ = true;
     int           row_ = -1;   // of the CVs passed since reset or nextRow, -1 before the first
 };
