@@ -33,7 +33,11 @@ const char* kindName(MPxNode::Type kind)
 
 void printRow(const NodeType& t, size_t order)
 {
-    const std::string registrant = mirk::view::drawRegistrant(t.classification);
+    // an override is known by its registrant; by convention "FooNodePlugin" registers "FooDrawOverride"
+    std::string       registrant = mirk::view::drawRegistrant(t.classification);
+    const std::string ending = "NodePlugin";
+    if (registrant.size() > ending.size() && registrant.ends_with(ending))
+        registrant.replace(registrant.size() - ending.size(), ending.size(), "DrawOverride");
     char              line[512];
     std::snprintf(line, sizeof line, "%zu\t%s\t0x%06X\t%s\t%s\t%s\t%s\n", order, t.name.c_str(), t.id, kindName(t.kind),
                   t.classification.empty() ? "none" : t.classification.c_str(), registrant.empty() ? "-" : registrant.c_str(),

@@ -75,7 +75,7 @@ def frame(positions):
     low, high = ([f(c) for c in zip(*positions)] for f in (min, max))
     center = [(a + b) / 2.0 for a, b in zip(low, high)]
     radius = max(b - a for a, b in zip(low, high)) / 2.0
-    turn, tilt, distance = math.radians(20.0), math.radians(10.0), 4.2 * radius
+    turn, tilt, distance = math.radians(20.0), math.radians(10.0), 4.5 * radius
     mc.setAttr('persp.translate',
                center[0] + distance * math.sin(turn) * math.cos(tilt),
                center[1] + distance * math.sin(tilt),
@@ -86,14 +86,13 @@ def frame(positions):
 def main():
     bunny = importMesh(MODEL)
     transform = mc.listRelatives(bunny, parent=True, fullPath=True)[0]
+    feet = mc.getAttr(bunny + '.boundingBoxMinY')
+    mc.setAttr(transform + '.translateY', -feet)      # on the ground
 
     reader = mc.createNode('pointAttributeToArray', name='bunnyToArrays')
     for switch in ('pointPosition', 'pointNormal'):
         mc.setAttr(reader + '.' + switch, True)
     mc.connectAttr(bunny + '.worldMesh[0]', reader + '.inGeometry')
-    # the feet go on the ground; the reader is asked again, since its positions are those of world space
-    feet = min(p[1] for p in vectors(mc.getAttr(reader + '.outPositionPP')))
-    mc.setAttr(transform + '.translateY', -feet)
     positions = vectors(mc.getAttr(reader + '.outPositionPP'))
     normals = vectors(mc.getAttr(reader + '.outNormalPP'))
 

@@ -267,12 +267,12 @@ void Cell::setDefault()
     }
     case Store::kMatrix:
         if (!own.matrix)
-            own.matrix = new double[16];
+            v = own.matrix = new double[16];
         std::memcpy(own.matrix, attr->defaultMatrix, sizeof attr->defaultMatrix);
         break;
     case Store::kFloatMatrix:
         if (!own.floatMatrix)
-            own.floatMatrix = new float[16];
+            v = own.floatMatrix = new float[16];
         for (int i = 0; i < 16; ++i) own.floatMatrix[i] = float(attr->defaultMatrix[i]);
         break;
     default:

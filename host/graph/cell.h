@@ -37,7 +37,7 @@ struct Cell
     };
 
     // the first cache line is what evaluation of a number touches
-    void*            v;             // the value: own storage, or inside the parent's tuple
+    void*            v;             // the value: own storage, the matrix, or inside the parent's tuple
     int32_t          index = -1;    // logical index of an element
     uint16_t         flags = kDirty;
     Node*            node;

@@ -123,8 +123,22 @@ void existingCells(Node& node, const Attribute& a, std::vector<Cell*>& out)
     }
 }
 
+/// Dirt that crosses to other nodes goes on from there as from any cell; cells that nobody read since end it.
+void markAcross(Node& node, const Attribute& a)
+{
+    std::vector<Cell*> also;
+    node.type->onDirty(node, a, also);
+    for (Cell* c : also)
+        if (c && (!c->is(Cell::kDirty) || (c->flags & (Cell::kLeaky | Cell::kChildDirty)))) {
+            markOutput(*c);
+            state().queue.push_back(c);
+        }
+}
+
 void markAll(Node& node, const Attribute& a)
 {
+    if (node.type->onDirty)
+        markAcross(node, a);
     if (Cell* c = node.cellIfAny(&a)) {
         markOutput(*c);
     } else if (a.hasArrayAncestor()) {
@@ -157,13 +171,8 @@ void markBelow(Node& node, const Attribute& a)
 void askNode(Cell& cell)
 {
     Node& node = *cell.node;
-    if (node.type->onDirty) {
-        std::vector<Cell*> also;
-        node.type->onDirty(node, *cell.attr, also);
-        for (Cell* c : also)
-            if (c)
-                markOutput(*c);
-    }
+    if (node.type->onDirty)
+        markAcross(node, *cell.attr);
     if (node.dependsOnDirtyCall && node.user) {
         MPlugArray plugs;
         node.user->setDependentsDirty(PlugAccess::lend(cell), plugs);

@@ -55,6 +55,7 @@ os.remove(DIRECTORY + '/copy.cfg')
 # unload: all but outline go
 check(len(toolkitTypes()) == 100, 'one hundred types are registered')
 types = toolkitTypes()
+library = mc.pluginInfo('mirk', query=True, path=True)
 mc.commandEcho(state=True)
 mc.unloadPlugin('mirk')
 check(mc.commandEcho(query=True, state=True), 'the echo is given back after unloading')
@@ -64,7 +65,7 @@ check(left == {'outline'}, 'only outline stays registered: %s' % sorted(left))
 # load again: everything is done again, and the echo given back
 with open(DIRECTORY + '/icons.cfg', 'w') as stream:
     stream.write('edited')
-mc.loadPlugin('mirk')
+mc.loadPlugin(library)
 check(mc.commandEcho(query=True, state=True), 'the echo is given back after loading')
 mc.commandEcho(state=False)
 check(toolkitTypes() == types, 'a second load registers all types, though outline had stayed')

@@ -66,10 +66,11 @@ TEST_F(PointAttributeToArray, RotationAloneFillsNothingElse)
 
 TEST_F(PointAttributeToArray, RotationTurnsTheAxesIntoTheFrame)
 {
-    // On a flat plane the rows are normal (0,1,0), tangent (1,0,0) or its opposite by N x (N x T), binormal. In world
-    // space the x axis turned by the angles must be the normal, whatever the carried sums did.
+    // Normal, binormal, tangent is the order whose rows N, B, N x B are a rotation and no reflection. On a flat plane
+    // the x axis turned by the angles must be the normal (0,1,0), whatever the carried sums did.
     run("polyPlane -width 2 -height 2 -subdivisionsX 2 -subdivisionsY 2 -name p;"
-        "createNode pointAttributeToArray -name r; connectAttr p.worldMesh[0] r.inGeometry; setAttr r.pointRotation 1");
+        "createNode pointAttributeToArray -name r; connectAttr p.worldMesh[0] r.inGeometry; setAttr r.pointRotation 1;"
+        "setAttr r.rotationOrder 1");
     const std::vector<MVector> angles = vectors("r.outRotationPP");
     ASSERT_EQ(angles.size(), 9u);
     for (const MVector& degrees : angles) {

@@ -18,10 +18,12 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <string>
 #include <vector>
 
 #include "command/message.h"
+#include "command/startup.h"
 
 namespace scene {
 
@@ -124,7 +126,11 @@ class Test : public ::testing::Test
 protected:
     void SetUp() override
     {
-        run("if (!`pluginInfo -query -loaded \"mirk\"`) loadPlugin \"mirk\"");
+        mirk::startHost();
+        mirk::message::setConsole(false);
+        const auto folder = std::filesystem::read_symlink("/proc/self/exe").parent_path();
+        const auto library = (folder / ".." / "lib" / "mirk.so").lexically_normal();
+        run("if (!`pluginInfo -query -loaded \"mirk\"`) loadPlugin \"" + library.string() + "\"");
         run("file -force -new");
     }
 };
