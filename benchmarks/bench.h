@@ -15,6 +15,9 @@ void mel(const std::string& text);
 void meshSource(const std::string& name, const MObject& mesh, bool moving = false);
 /// Resident memory of this process in bytes.
 size_t residentBytes();
+/// The peak of it since the last `resetPeak`.
+size_t peakBytes();
+void   resetPeak();
 /// Seconds since some fixed point.
 double now();
 

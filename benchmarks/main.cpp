@@ -114,6 +114,17 @@ size_t residentBytes()
     return resident * size_t(sysconf(_SC_PAGESIZE));
 }
 
+size_t peakBytes()
+{
+    std::ifstream status("/proc/self/status");
+    for (std::string line; std::getline(status, line);)
+        if (line.rfind("VmHWM:", 0) == 0)
+            return size_t(std::atoll(line.c_str() + 6)) * 1024;
+    return 0;
+}
+
+void resetPeak() { std::ofstream("/proc/self/clear_refs") << "5"; }
+
 double now()
 {
     return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();

@@ -1,5 +1,7 @@
 #include "command/startup.h"
 
+#include <malloc.h>
+
 #include <unistd.h>
 
 #include <cstdlib>
@@ -120,6 +122,9 @@ void startHost(const StartOptions& options)
     if (done)
         return;
     done = true;
+    // large scratch arrays of nodes come again in every evaluation: keep their pages
+    mallopt(M_MMAP_THRESHOLD, 512 << 20);
+    mallopt(M_TRIM_THRESHOLD, 512 << 20);
     static QueueHooks hooks;
     command::setUndoHooks(&hooks);
     mel::setSinks({[](std::string_view text) { message::print(std::string(text)); }, sendMessage});

@@ -140,10 +140,7 @@ MStatus Array<T>::setLength(unsigned int length)
         // growing step by step must not copy everything each time
         if (old && length > storage.capacity() && length - old <= std::max(sizeIncrement_, 64u))
             storage.reserve(length + old / 2);
-        storage.resize(length);
-        if constexpr (std::is_trivially_copyable_v<T>)
-            if (length > old)
-                std::fill(storage.data() + old, storage.data() + length, T());
+        storage.resize(length);   // new numbers are undefined, as documented: nodes fill millions of them themselves
     });
 }
 

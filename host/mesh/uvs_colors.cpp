@@ -135,6 +135,10 @@ void MeshBody::setVertexColors(int set, const MColor* colors, const int* vertice
         s.ids = nullptr;
         s.table = make<Buffer<MColor>>(size_t(vertexCount()), unsetColor);
     }
+    if (s.layout == ColorSet::kPerVertex && coversAll(vertices, count, vertexCount())) {
+        s.table = make<Buffer<MColor>>(colors, count);   // none of the old ones stays
+        return;
+    }
     if (s.layout == ColorSet::kPerVertex) {
         Buffer<MColor>& table = detach(s.table);
         for (size_t i = 0; i < count; ++i)

@@ -2,6 +2,8 @@
 
 #include <maya/MColorArray.h>
 #include <maya/MDataHandle.h>
+#include <maya/MFloatPointArray.h>
+#include <maya/MFnGeometryData.h>
 #include <maya/MIntArray.h>
 #include <maya/MItGeometry.h>
 #include <maya/MPlug.h>
@@ -29,6 +31,21 @@ bool isXyz(const ArrayView& array, unsigned int pointCount, bool& fits)
         return false;
     fits = array.length == (vectors ? pointCount : 3 * pointCount);
     return fits;
+}
+
+/// The values of an array of three numbers a point as points, w = 1.
+template <class Points>
+Points allPoints(const ArrayView& array, unsigned int pointCount)
+{
+    Points points;
+    points.setLength(pointCount);
+    auto*         point = pointCount > 0 ? &points[0] : nullptr;
+    const double* xyz = array.doubles;
+    for (unsigned int i = 0; i < pointCount; ++i, ++point, xyz += 3) {
+        using Real = decltype(point->x);
+        *point = {static_cast<Real>(xyz[0]), static_cast<Real>(xyz[1]), static_cast<Real>(xyz[2])};
+    }
+    return points;
 }
 
 /// Writes the colours of all vertices, or of all faces: a face takes the colour of its first vertex.
@@ -133,27 +150,24 @@ void arrayToPointAttribute::writePositions(MDataBlock& block, MDataHandle& geome
             warn(MPlug(thisMObject(), aInGeo), ": inPositionPP array length does not match the point count.");
         return;
     }
+    const bool isMesh = geometry.type() == MFnData::kMesh;
+    MObject    mesh = geometry.asMeshTransformed();
+    if (subset.all() && isMesh && MFnGeometryData(mesh).matrixIsIdentity()) {   // narrowed once, as the mesh stores them
+        MFnMesh(mesh).setPoints(allPoints<MFloatPointArray>(array, pointCount), MSpace::kObject);
+        return;
+    }
     MPointArray points;
-    MIntArray   ids;
     if (subset.all()) {
-        points.setLength(pointCount);   // every one is replaced
+        points = allPoints<MPointArray>(array, pointCount);
     } else {
         MItGeometry(geometry).allPositions(points, MSpace::kWorld);
-        ids = subset.indices(points.length());
+        const MIntArray ids = subset.indices(points.length());
+        for (unsigned int k = 0; k < ids.length(); ++k) {
+            const double* xyz = array.doubles + 3 * static_cast<std::size_t>(ids[k]);
+            points[static_cast<unsigned int>(ids[k])] = MPoint(xyz[0], xyz[1], xyz[2]);
+        }
     }
-    const auto      replace = [&](unsigned int i) {
-        const double* xyz = array.doubles + 3 * static_cast<std::size_t>(i);
-        points[i] = MPoint(xyz[0], xyz[1], xyz[2]);
-    };
-    if (subset.all()) {
-        for (unsigned int i = 0; i < pointCount; ++i)
-            replace(i);
-    }
-    for (unsigned int k = 0; k < ids.length(); ++k)
-        replace(static_cast<unsigned int>(ids[k]));
-
-    if (geometry.type() == MFnData::kMesh) {
-        MObject mesh = geometry.asMeshTransformed();
+    if (isMesh) {
         MFnMesh(mesh).setPoints(points, MSpace::kWorld);
     } else {
         MItGeometry(geometry, false).setAllPositions(points, MSpace::kWorld);
@@ -207,18 +221,20 @@ void arrayToPointAttribute::writeColors(MDataBlock& block, MFnMesh& mesh, const 
         mesh.getVertexColors(colors);
     const unsigned int present = std::min(colors.length(), pointCount);
     colors.setLength(pointCount);
-    for (unsigned int i = present; i < pointCount; ++i)
-        colors[i] = MColor(-1.0f, -1.0f, -1.0f, -1.0f);   // the host's value for no colour
-    const auto color = [&](unsigned int i) {
-        MColor&                at = colors[i];
-        const pointColor::Rgba c = pointColor::at(array.doubles, i, rule, at.a);
-        at = MColor(c.r, c.g, c.b, c.a);
-    };
-    const MIntArray ids = subset.all() ? MIntArray() : subset.indices(pointCount);
-    for (unsigned int i = 0; subset.all() && i < pointCount; ++i)
-        color(i);
-    for (unsigned int k = 0; k < ids.length(); ++k)
-        color(static_cast<unsigned int>(ids[k]));
+    if (subset.all() && rule.layout != Layout::kRgb) {
+        static_assert(sizeof(pointColor::Rgba) == sizeof(MColor));
+        if (pointCount > 0)
+            pointColor::fill(array.doubles, pointCount, rule, reinterpret_cast<pointColor::Rgba*>(&colors[0]));
+    } else {
+        for (unsigned int i = present; i < pointCount; ++i)
+            colors[i] = MColor(-1.0f, -1.0f, -1.0f, -1.0f);   // the host's value for no colour
+        const MIntArray ids = subset.indices(pointCount);
+        for (unsigned int k = 0; k < ids.length(); ++k) {
+            MColor&                at = colors[static_cast<unsigned int>(ids[k])];
+            const pointColor::Rgba c = pointColor::at(array.doubles, std::size_t(ids[k]), rule, at.a);
+            at = MColor(c.r, c.g, c.b, c.a);
+        }
+    }
     if (pointCount > 0)
         setColors(mesh, colors, block.inputValue(aPromoteToFaces).asBool());
 }
