@@ -330,7 +330,7 @@ void dirtyAcross(Node& node, const Attribute& a, std::vector<Cell*>& also)
         for (Node* parent : node.dag->parents)
             if (parent != &dag::world())
                 also.push_back(parent->cellIfAny(g.boundingBox));
-    } else if (node.type->shape && !node.type->plugin.empty()) {
+    } else if (node.type->shape && !node.type->plugin.empty() && !node.isComputed(&a) && a.is(Attribute::kWritable)) {
         also.push_back(node.cellIfAny(g.boundingBox));   // only its own code knows what its box depends on
     }
 }

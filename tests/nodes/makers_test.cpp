@@ -124,9 +124,11 @@ TEST_F(Makers, WritingToAShapeReachesReaders)
 {
     Node *maker = make("polyCube"), *first = make("mesh"), *second = make("mesh");
     edit::connect(cell(maker, "output"), cell(first, "inMesh"));
+    EXPECT_TRUE(data<MeshData>(first, "outMesh"));   // what was never evaluated cannot be kept
     edit::disconnect(cell(maker, "output"), cell(first, "inMesh"));
     edit::connect(cell(first, "outMesh"), cell(second, "inMesh"));
     const auto before = data<MeshData>(second, "outMesh");
+    ASSERT_TRUE(before);
     auto*      source = dynamic_cast<MeshSource*>(first);
     ASSERT_TRUE(source);
     Ref<MeshData> mesh = source->meshForWrite();
