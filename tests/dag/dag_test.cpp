@@ -7,7 +7,7 @@ using namespace dag_test;
 
 namespace {
 
-using DagEdit = Scene;
+struct DagEdit : SceneTest {};
 
 TEST_F(DagEdit, NewSceneHasItsCameras)
 {

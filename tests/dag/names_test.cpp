@@ -8,11 +8,11 @@ using namespace dag_test;
 
 namespace {
 
-struct NamesOf : Scene
+struct NamesOf : SceneTest
 {
     void SetUp() override
     {
-        Scene::SetUp();
+        SceneTest::SetUp();
         Node* mesh = make("mesh", "cubeShape");
         edit::connect(cell(make("polyCube", "maker"), "output"), cell(mesh, "inMesh"));
         cube = scene().first("cube");
