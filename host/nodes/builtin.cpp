@@ -119,19 +119,17 @@ void newScene()
 {
     undo::Suspend quiet;
     selection::set({});
-    // held, and freed of their marks, before the first one goes: deleting a transform takes its shapes along
-    std::vector<Ref<Node>> all;
+    std::vector<Ref<Node>> nodes;   // deleting a transform takes its shapes along
     for (Node* node : scene().nodes()) {
-        all.emplace_back(node);
+        nodes.emplace_back(node);
         node->isDefault = node->locked = node->referenced = false;
-    }
-    for (const Ref<Node>& node : all) {
         for (Cell* top : node->cells)
-            if (top)
+            if (top && !top->parent)
                 walkCells(*top, [](Cell& c) { c.set(Cell::kLocked, false); });
+    }
+    for (const auto& node : nodes)
         if (node->inScene)
             dag::deleteNode(*node);
-    }
     dag::clear();
     undo::flush();
     playback::reset();

@@ -17,7 +17,7 @@ namespace dag_test {
 
 using namespace mirk;
 
-struct Scene : testing::Test
+struct SceneTest : testing::Test
 {
     void SetUp() override
     {

@@ -8,11 +8,11 @@ using namespace dag_test;
 
 namespace {
 
-struct NamesOf : Scene
+struct NamesOf : SceneTest
 {
     void SetUp() override
     {
-        Scene::SetUp();
+        SceneTest::SetUp();
         Node* mesh = make("mesh", "cubeShape");
         edit::connect(cell(make("polyCube", "maker"), "output"), cell(mesh, "inMesh"));
         cube = scene().first("cube");
@@ -34,13 +34,13 @@ TEST_F(NamesOf, ManyForms)
         {"g?|a", {"g1|a", "g2|a"}},
         {"*|a", {"g1|a", "g2|a"}},
         {"|g1|*", {"g1|a"}},
-        {"cub*", {"cubeShape", "cube"}},
+        {"cub*", {"cube", "cubeShape"}},
         {"nothing", {}},
         {"cube.tx", {"cube.translateX"}},
         {"cube.t", {"cube.translate"}},
         {"g*.tx", {"g1.translateX", "g2.translateX"}},
         {"cube.translate*", {"cube.translate", "cube.translateX", "cube.translateY", "cube.translateZ"}},
-        {"cube.inMesh", {"cube.inMesh"}},
+        {"cube.inMesh", {"cubeShape.inMesh"}},
         {"cube.nothing", {}},
         {"cube.", {}},
         {"cube.vtx[0:3]", {"cube.vtx[0:3]"}},

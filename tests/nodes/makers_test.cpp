@@ -90,7 +90,7 @@ TEST(PolyShapes, ClosedAndFacingOutwards)
     EXPECT_NEAR(ball.points[0], std::sin(kPi / 20) * std::cos(kPi / 10), 1e-12);
 }
 
-struct Makers : Scene
+struct Makers : SceneTest
 {
     template <class T>
     static Ref<T> data(Node* node, const char* path)
