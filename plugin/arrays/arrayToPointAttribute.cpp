@@ -9,6 +9,9 @@
 #include <maya/MPointArray.h>
 #include <maya/MVectorArray.h>
 
+#include <algorithm>
+#include <numeric>
+
 #include "arrays/pointColor.h"
 #include "core/arrays.h"
 #include "core/attr.h"
@@ -34,8 +37,8 @@ void setColors(MFnMesh& mesh, MColorArray& colors, bool promoteToFaces)
     MIntArray ids;
     if (!promoteToFaces) {
         ids.setLength(colors.length());
-        for (unsigned int i = 0; i < ids.length(); ++i)
-            ids[i] = static_cast<int>(i);
+        int* id = colors.length() > 0 ? &ids[0] : nullptr;
+        std::iota(id, id + colors.length(), 0);
         mesh.setVertexColors(colors, ids);
         return;
     }
@@ -199,18 +202,23 @@ void arrayToPointAttribute::writeColors(MDataBlock& block, MFnMesh& mesh, const 
     rule.max = block.inputValue(aClampMax).asDouble();
     rule.solidAlpha = block.inputValue(aSolidAlpha).asBool();
 
-    const MIntArray ids = subset.indices(pointCount);
-    MColorArray     colors;
-    mesh.getVertexColors(colors);
-    const unsigned int present = colors.length() > pointCount ? pointCount : colors.length();
+    MColorArray colors;
+    if (!subset.all() || rule.layout == Layout::kRgb)   // else every channel is replaced
+        mesh.getVertexColors(colors);
+    const unsigned int present = std::min(colors.length(), pointCount);
     colors.setLength(pointCount);
     for (unsigned int i = present; i < pointCount; ++i)
         colors[i] = MColor(-1.0f, -1.0f, -1.0f, -1.0f);   // the host's value for no colour
-    for (unsigned int k = 0; k < ids.length(); ++k) {
-        MColor&                color = colors[static_cast<unsigned int>(ids[k])];
-        const pointColor::Rgba c = pointColor::at(array.doubles, static_cast<std::size_t>(ids[k]), rule, color.a);
-        color = MColor(c.r, c.g, c.b, c.a);
-    }
+    const auto color = [&](unsigned int i) {
+        MColor&                at = colors[i];
+        const pointColor::Rgba c = pointColor::at(array.doubles, i, rule, at.a);
+        at = MColor(c.r, c.g, c.b, c.a);
+    };
+    const MIntArray ids = subset.all() ? MIntArray() : subset.indices(pointCount);
+    for (unsigned int i = 0; subset.all() && i < pointCount; ++i)
+        color(i);
+    for (unsigned int k = 0; k < ids.length(); ++k)
+        color(static_cast<unsigned int>(ids[k]));
     if (pointCount > 0)
         setColors(mesh, colors, block.inputValue(aPromoteToFaces).asBool());
 }

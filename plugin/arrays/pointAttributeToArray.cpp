@@ -6,6 +6,7 @@
 #include <maya/MFloatVectorArray.h>
 #include <maya/MFnComponentListData.h>
 #include <maya/MFnDoubleIndexedComponent.h>
+#include <maya/MFnGeometryData.h>
 #include <maya/MFnIntArrayData.h>
 #include <maya/MFnMesh.h>
 #include <maya/MFnNumericAttribute.h>
@@ -116,10 +117,18 @@ void gatherIds(const Points& points, MDataHandle& geometry, OutArray& ids)
 
 void gatherPositions(const Points& points, MSpace::Space space, OutArray& positions)
 {
-    MPointArray    vertices;
-    MFnMesh        mesh(points.mesh);
+    MFnMesh mesh(points.mesh);
+    double* out = positions.resize(points.kept());
+    if (space == MSpace::kObject || MFnGeometryData(points.mesh).matrixIsIdentity()) {   // read them where they are
+        const float* raw = mesh.getRawPoints();
+        points.each([&](unsigned int i, bool read) {
+            const float* p = raw + 3 * static_cast<std::size_t>(i * points.step);
+            read ? store(out, p[0], p[1], p[2]) : store(out, 0.0, 0.0, 0.0);
+        });
+        return;
+    }
+    MPointArray vertices;
     mesh.getPoints(vertices, space);
-    double*            out = positions.resize(points.kept());
     const MPointArray& at = vertices;
     points.each([&](unsigned int i, bool read) {
         if (!read)
@@ -165,8 +174,9 @@ void gatherMap(const Points& points, const MString& uvSet, PointArrays& out)
     const MString* set = uvSet.length() > 0 ? &uvSet : nullptr;
     MItMeshVertex  vertex(points.mesh);
     unsigned int   counted = 0, total = 0, mapped = 0;
+    std::vector<unsigned int> uvCounts(points.count);
     points.each([&](unsigned int i, bool read) {
-        const unsigned int count = read ? uvCountAt(vertex, points, i, set) : 0;
+        const unsigned int count = uvCounts[i] = read ? uvCountAt(vertex, points, i, set) : 0;
         counted += !read || count > 0;
         mapped += count > 0;
         total += count;
@@ -180,11 +190,13 @@ void gatherMap(const Points& points, const MString& uvSet, PointArrays& out)
     double*   shared = out.sharedMap.resize(2 * mapped);
     MIntArray uvIds;
     points.each([&](unsigned int i, bool read) {
-        const unsigned int count = read ? uvCountAt(vertex, points, i, set) : 0;
+        const unsigned int count = uvCounts[i];
         if (!read || count > 0)
             *counts++ = count;
         if (count == 0)
             return;
+        int previous = 0;
+        vertex.setIndex(static_cast<int>(i * points.step), previous);
         vertex.getUVIndices(uvIds, set);
         for (unsigned int k = 0; k < count; ++k) {
             const int  id = k < uvIds.length() ? uvIds[k] : 0;
@@ -193,8 +205,9 @@ void gatherMap(const Points& points, const MString& uvSet, PointArrays& out)
             *pairs++ = us[at];
             *pairs++ = vs[at];
         }
-        float2 uv = {0.0f, 0.0f};
-        vertex.getUV(uv, set);
+        float2 uv = {static_cast<float>(pairs[-2]), static_cast<float>(pairs[-1])};
+        if (uvIds.length() > 1)   // a single UV is the shared one
+            vertex.getUV(uv, set);
         *shared++ = uv[0];
         *shared++ = uv[1];
     });
