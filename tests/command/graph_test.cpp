@@ -143,5 +143,17 @@ TEST_F(Graph, NextAvailableFillsTheFirstGap)
     EXPECT_EQ(str("connectionInfo -sfd n.in[2]"), "a.translateZ");
 }
 
+TEST_F(Graph, EchoShowsCommandsAsWritten)
+{
+    mel("commandEcho -state on; createNode transform -n a; setAttr a.tx 2.5; commandEcho -state off; createNode transform -n b");
+    EXPECT_EQ(said(message::kEcho), "createNode -n \"a\" \"transform\";setAttr \"a.tx\" 2.5;commandEcho -st 0;");
+}
+
+TEST_F(Graph, MessagesGoToTheHistoryFile)
+{
+    mel("scriptEditorInfo -historyFilename \"" + file("log") + "\" -writeHistory true; warning \"careful\"; print \"text\\n\"; scriptEditorInfo -writeHistory false; print \"unseen\"");
+    EXPECT_EQ(read(file("log")), "// Warning: careful //\ntext\n");
+}
+
 }  // namespace
 }  // namespace mirk::test
