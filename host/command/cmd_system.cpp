@@ -26,6 +26,30 @@ constexpr uint8_t kBoth = kCreate | kQuery;
 struct Echo { bool state = false, lineNumbers = false; std::vector<std::string> filter; };
 Echo g_echo;
 
+/// A call as it would be written.
+void echoCall(const Call& call)
+{
+    const std::string name = call.command->name;
+    if (std::find(g_echo.filter.begin(), g_echo.filter.end(), name) != g_echo.filter.end())
+        return;
+    const auto word = [](const Value& v) {
+        std::string out;
+        for (const std::string& s : v.asStrings())
+            out += v.kind() == Value::kString || v.kind() == Value::kStrings ? " \"" + s + "\"" : " " + s;
+        return out;
+    };
+    std::string text = name + (call.isQuery() ? " -q" : call.isEdit() ? " -e" : "");
+    for (const Call::Use& use : call.uses)
+    {
+        text += std::string(" -") + use.flag->shortName;
+        for (const Value& v : use.args)
+            text += word(v);
+    }
+    for (const Value& v : call.args)
+        text += word(v);
+    message::echo(text + ";");
+}
+
 constexpr Flag kCommandEcho[] = {
     {"st", "state", "b", kBoth}, {"ln", "lineNumbers", "b", kBoth}, {"f", "filter", "s", kBoth, true}, {"af", "addFilter", "s", kCreate, true},
 };
@@ -40,6 +64,7 @@ Value commandEcho(Call& call)
         return Value(call.has("lineNumbers") ? g_echo.lineNumbers : g_echo.state);
     }
     g_echo.state = call.boolean("state", g_echo.state);
+    onRun = g_echo.state ? echoCall : nullptr;
     g_echo.lineNumbers = call.boolean("lineNumbers", g_echo.lineNumbers);
     if (call.has("filter"))
         g_echo.filter.clear();

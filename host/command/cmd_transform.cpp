@@ -6,6 +6,7 @@
 #include <maya/MEulerRotation.h>
 #include <maya/MPoint.h>
 #include <maya/MQuaternion.h>
+#include <maya/MTransformationMatrix.h>
 
 #include "command/cmd_util.h"
 #include "command/shape_edit.h"
@@ -300,7 +301,10 @@ void setPivot(const Item& item, const char* pivot, const char* shift, MPoint to,
     const MMatrix before = localMatrix(t);
     setChannels(t, pivot, MVector(to.x, to.y, to.z));
     const MMatrix after = localMatrix(t);
-    setChannels(t, shift, channels(t, shift) + MVector(before[3][0] - after[3][0], before[3][1] - after[3][1], before[3][2] - after[3][2]));
+    MVector       missing(before[3][0] - after[3][0], before[3][1] - after[3][1], before[3][2] - after[3][2]);
+    if (std::string_view(pivot) == "scalePivot")   // its shift comes before the rotation
+        missing = missing * MTransformationMatrix(before).asRotateMatrix().inverse();
+    setChannels(t, shift, channels(t, shift) + missing);
 }
 
 void setRotateOrder(Node& t, const std::string& name, bool preserve)

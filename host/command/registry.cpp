@@ -107,8 +107,12 @@ Strings Call::names() const
     return out;
 }
 
+void (*onRun)(const Call& call) = nullptr;
+
 Value run(Call& call)
 {
+    if (onRun)
+        onRun(call);
     if (!call.command->undoable || call.isQuery())
         return call.command->handler(call);
     UndoScope scope(call.command->name);

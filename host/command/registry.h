@@ -94,6 +94,8 @@ Call parseKeywords(const Command& command, std::span<const Value> args, std::spa
 /// Runs a parsed call as one undo step if the command is undoable; on an error everything it did is undone and the
 /// error goes on to the caller.
 Value run(Call& call);
+/// While set, told of every call before it runs.
+extern void (*onRun)(const Call& call);
 /// find + parse + run. Throws Error: "Cannot find procedure \"name\"." for an unknown name.
 Value execute(std::string_view name, std::span<const Value> raw);
 

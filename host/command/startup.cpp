@@ -17,6 +17,7 @@
 #include "mel/interpreter.h"
 #include "nodes/builtin.h"
 #include "nodes/poly_edit.h"
+#include "nodes/unknown.h"
 #include "python/python.h"
 
 namespace mirk {
@@ -131,6 +132,7 @@ void startHost(const StartOptions& options)
     eval::setReporter([](const std::string& text, bool isError) { isError ? message::error(text) : message::warning(text); });
     python::setMelEvaluator([](const std::string& text) { return mel::execute(text); });
     registerBuiltinNodes();
+    nodes::registerUnknownTypes();
     nodes::registerPolyEdits();
     registerCommands();
     mel::setScriptPath(scriptFolders());

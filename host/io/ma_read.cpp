@@ -326,7 +326,7 @@ void readInto(const std::string& path, bool import, const std::function<void()>&
     const FileData    dataBefore = fileData();
     const bool        wasEnabled = undo::enabled();
     undo::setEnabled(true);   // the scope needs the edits, wanted in the queue or not
-    undo::Scope       scope("file", false);
+    undo::Scope       scope("file", import && wasEnabled);
     g_reading = &reading;
     try
     {

@@ -24,7 +24,7 @@ PyObject* guarded(PyObject* type, F&& f)
     }
     catch (const std::exception& e)
     {
-        if (PyErr_Occurred())
+        if (PyErr_Occurred() || PyErr_CheckSignals() < 0)   // stopped from the keyboard: that is the error
             return nullptr;
         Object text(PyUnicode_DecodeUTF8(e.what(), Py_ssize_t(std::strlen(e.what())), "replace"));
         PyErr_SetObject(type, text.get());

@@ -166,6 +166,8 @@ void finish()
 {
     if (!std::exchange(g_started, false))
         return;
+    PyErr_CheckSignals();   // an interrupt that came for somebody else
+    PyErr_Clear();
     Py_FinalizeEx();
 }
 

@@ -58,7 +58,7 @@ TEST_F(MirkCommand, OneSessionForAllFiles)
     EXPECT_EQ(o.out, "// Result: 8 //\n");
     EXPECT_EQ(run("run '" + file("s.ma") + "' -e 'getAttr a.ty'").out, "// Result: 8 //\n");
     EXPECT_EQ(run("run -e 'about -batch'").out, "// Result: 1 //\n");
-    EXPECT_EQ(run("run --interactive -e 'about -batch'").out, "// Result: 0 //\n");
+    EXPECT_NE(run("run --interactive -e 'about -batch'").out.find("// Result: 0 //\n"), std::string::npos);
 }
 
 TEST_F(MirkCommand, FramesStepTheTime)

@@ -36,7 +36,7 @@ TEST_F(Graph, ResultsOfListingCommands)
 
 TEST_F(Graph, ErrorsNameTheThingAndLeaveTheScene)
 {
-    mel("createNode transform -n a; createNode transform -n b -p a; addAttr -ln s -dt \"string\" a; connectAttr a.tx b.tx");
+    mel("createNode transform -n a; createNode transform -n b -p a; addAttr -ln txt -dt \"string\" a; connectAttr a.tx b.tx");
     const size_t before = scene().nodes().size();
     struct Case { const char* text; const char* says; };
     const Case cases[] = {
@@ -48,11 +48,11 @@ TEST_F(Graph, ErrorsNameTheThingAndLeaveTheScene)
         {"parent a b", "itself or one of its children"},
         {"parent b nobody", "nobody"},
         {"connectAttr a.tx nobody.tx", "nobody.tx"},
-        {"connectAttr a.s b.ty", "a.s"},
+        {"connectAttr a.txt b.ty", "a.txt"},
         {"connectAttr a.ty b.tx", "b.translateX"},
         {"disconnectAttr a.tx b.ty", "no connection"},
         {"deleteAttr a.tx", "static attribute"},
-        {"addAttr -ln s -at double a", "already used"},
+        {"addAttr -ln txt -at double a", "already used"},
         {"addAttr -ln q -at zork a", "zork"},
         {"group nobody", "nobody"},
         {"select nobody", "nobody"},
@@ -68,7 +68,7 @@ TEST_F(Graph, ErrorsNameTheThingAndLeaveTheScene)
     }
     EXPECT_EQ(scene().nodes().size(), before);
     EXPECT_EQ(strings("listRelatives a"), Strings{"b"});
-    EXPECT_EQ(strings("listAttr -ud a"), Strings{"s"});
+    EXPECT_EQ(strings("listAttr -ud a"), Strings{"txt"});
 }
 
 TEST_F(Graph, AFailedCommandIsTakenBackWhole)
@@ -126,7 +126,7 @@ TEST_F(Graph, DuplicatesHaveValuesOfTheirOwn)
 {
     mel("createNode transform -n a; createNode transform -n b -p a; setAttr b.tx 4; addAttr -ln extra -at double -dv 2 a; setAttr a.extra 3; connectAttr a.ty b.ty");
     EXPECT_EQ(strings("duplicate -rr a"), Strings{"a1"});
-    mel("setAttr b.tx 9");
+    mel("setAttr \"|a|b.tx\" 9");
     EXPECT_EQ(num("getAttr \"|a1|b.tx\""), 4);
     EXPECT_EQ(num("getAttr a1.extra"), 3);
     mel("setAttr a1.ty 6");
@@ -141,6 +141,18 @@ TEST_F(Graph, NextAvailableFillsTheFirstGap)
     mel("connectAttr -na a.tx n.in; connectAttr -na a.ty n.in; connectAttr -na a.tz n.in; disconnectAttr a.ty n.in[1]; connectAttr -na a.sx n.in");
     EXPECT_EQ(str("connectionInfo -sfd n.in[1]"), "a.scaleX");
     EXPECT_EQ(str("connectionInfo -sfd n.in[2]"), "a.translateZ");
+}
+
+TEST_F(Graph, EchoShowsCommandsAsWritten)
+{
+    mel("commandEcho -state on; createNode transform -n a; setAttr a.tx 2.5; commandEcho -state off; createNode transform -n b");
+    EXPECT_EQ(said(message::kEcho), "createNode -n \"a\" \"transform\";setAttr \"a.tx\" 2.5;commandEcho -st 0;");
+}
+
+TEST_F(Graph, MessagesGoToTheHistoryFile)
+{
+    mel("scriptEditorInfo -historyFilename \"" + file("log") + "\" -writeHistory true; warning \"careful\"; print \"text\\n\"; scriptEditorInfo -writeHistory false; print \"unseen\"");
+    EXPECT_EQ(read(file("log")), "// Warning: careful //\ntext\n");
 }
 
 }  // namespace

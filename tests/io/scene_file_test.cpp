@@ -18,15 +18,15 @@ TEST_F(SceneFile, EverythingSavedComesBackEqual)
 {
     mel("createNode transform -n up; setAttr up.t 0.1 1e-300 12345.678901234567; setAttr up.r 30 0.1 77.7; createNode transform -n a -p up; setAttr -lock on a.tx; setAttr -k off a.sx");
     mel("addAttr -ln w -sn ww -at double -min -1 -max 5 -dv 0.3 -k 1 a; setAttr a.w 0.7; addAttr -ln kind -at \"enum\" -en \"x:y=5:z\" a; setAttr a.kind 6");
-    mel("addAttr -ln v -at double3 a; addAttr -ln vx -at double -p v a; addAttr -ln vy -at double -p v a; addAttr -ln vz -at double -p v a; setAttr a.vy 2");
-    mel("addAttr -ln m -at long -m a; setAttr a.m[3] 4; setAttr a.m[70] 5; addAttr -ln s -dt \"string\" a; setAttr a.s -type \"string\" \"tab\\t \\\"q\\\" \\\\ new\\nline;\"");
-    mel("addAttr -ln pa -dt pointArray a; setAttr a.pa -type pointArray 2 0.1 0.2 0.3 1 3 4 5 0.5; connectAttr up.ty a.w; aliasAttr nick a.m[3]");
+    mel("addAttr -ln vec -at double3 a; addAttr -ln vx -at double -p vec a; addAttr -ln vy -at double -p vec a; addAttr -ln vz -at double -p vec a; setAttr a.vy 2");
+    mel("addAttr -ln mul -at long -m a; setAttr a.mul[3] 4; setAttr a.mul[70] 5; addAttr -ln txt -dt \"string\" a; setAttr a.txt -type \"string\" \"tab\\t \\\"q\\\" \\\\ new\\nline;\"");
+    mel("addAttr -ln pa -dt pointArray a; setAttr a.pa -type pointArray 2 0.1 0.2 0.3 1 3 4 5 0.5; connectAttr up.ty a.w; aliasAttr nick a.mul[3]");
     mel("polyCreateFacet -n q -p 0.1 0 0 -p 1 0 0 -p 1 1 0 -p 0 1 0; polyColorPerVertex -rgb 0.1 0.2 0.3 q.vtx[0:2]; polySoftEdge -a 0 q");
     mel("polyNormalPerVertex -xyz 0 1 0 q.vtx[2]; polyUVSet -create -uvSet second q; curve -n c -d 2 -p 0.1 0 0 -p 1 2 3 -p 4 5 6; currentUnit -t pal; fileInfo key \"a value\"");
     const std::string before = text();
     mel("file -rename \"" + file("a.ma") + "\"; file -save; file -new; file -open \"" + file("a.ma") + "\"");
     EXPECT_EQ(text(), before);
-    EXPECT_EQ(str("getAttr a.s"), "tab\t \"q\" \\ new\nline;");
+    EXPECT_EQ(str("getAttr a.txt"), "tab\t \"q\" \\ new\nline;");
     EXPECT_EQ(str("connectionInfo -sfd a.w"), "up.translateY");
     EXPECT_EQ(num("getAttr a.nick"), 4);
     EXPECT_EQ(str("currentUnit -q -t"), "pal");

@@ -14,6 +14,7 @@
 #include "command/registry.h"
 #include "command/startup.h"
 #include "graph/undo.h"
+#include "io/scene_file.h"
 #include "mel/interpreter.h"
 #include "nodes/builtin.h"
 #include "python/python.h"
@@ -111,6 +112,7 @@ protected:
         startHost();
         message::setConsole(false);
         newScene();
+        io::forgetFileData();
         undo::setEnabled(true);
         static int count = 0;
         folder_ = std::filesystem::temp_directory_path() / ("mirk-test-" + std::to_string(getpid()) + "-" + std::to_string(++count));
