@@ -84,6 +84,8 @@ Ref<Data> PluginData::share() const
 }  // namespace mirk
 
 MPxData::MPxData() = default;
+MPxData::MPxData(const MPxData&) {}
+MPxData& MPxData::operator=(const MPxData&) { return *this; }
 MPxData::~MPxData() = default;
 // A type that never goes into files need not say how.
 MStatus MPxData::readASCII(const MArgList&, unsigned&) { return MS::kSuccess; }

@@ -24,13 +24,15 @@ class PluginData : public Data
 {
 public:
     PluginData(unsigned id, PxDataCreator creator, std::unique_ptr<MPxData> object)
-        : id_(id), creator_(creator), object_(std::move(object)) {}
+        : id_(id), creator_(creator), object_(std::move(object)) { object_->holder_ = this; }
     MFnData::Type type() const override { return MFnData::kPlugin; }
     MFn::Type     apiType() const override { return MFn::kPluginData; }
     Ref<Data>     share() const override;
 
     unsigned typeId() const { return id_; }
     MPxData& object() const { return *object_; }
+    /// The data object that holds this one; null for one that the plug-in made by itself.
+    static PluginData* holding(const MPxData& object) { return object.holder_; }
 
 private:
     unsigned                 id_;

@@ -400,6 +400,8 @@ MStatus MDataHandle::set(MPxData* value)
 {
     if (!cell_ || !value)
         return MS::kInvalidParameter;
+    if (PluginData* holder = PluginData::holding(*value))
+        return set(wrap(Ref<PluginData>(holder)));
     Ref<PluginData> shell = makePluginData(value->typeId().id());
     if (!shell)
         return MS::kFailure;
@@ -433,3 +435,47 @@ void MDataHandle::set3Int(int a, int b, int c) { set(a, b, c); }
 void MDataHandle::set3Float(float a, float b, float c) { set(a, b, c); }
 void MDataHandle::set3Double(double a, double b, double c) { set(a, b, c); }
 void MDataHandle::set4Double(double a, double b, double c, double d) { put(cell_, a, b, c, d); }
+
+// --- generic numbers --------------------------------------------------------------------------------------------------
+
+namespace {
+
+MInt64 genericInteger(const Cell* cell)
+{
+    const auto* boxed = cell ? dynamic_cast<const NumericData*>(cell->data()) : nullptr;
+    if (boxed && boxed->numericType == MFnNumericData::kInt64)
+        return boxed->integer;
+    const double value = cell ? cell->number() : 0;
+    return std::isfinite(value) ? MInt64(std::clamp(value, -9.2e18, 9.2e18)) : 0;
+}
+
+void putGeneric(Cell* cell, MFnNumericData::Type type, double value, MInt64 integer)
+{
+    if (!cell)
+        return;
+    if (cell->store() != Store::kData)
+        return put(cell, value);
+    auto boxed = make<NumericData>(type);
+    boxed->value[0] = value;
+    boxed->integer = integer;
+    cell->setData(boxed);
+    wrote(*cell);
+}
+
+}  // namespace
+
+bool   MDataHandle::asGenericBool() const { return cell_ && cell_->number() != 0; }
+char   MDataHandle::asGenericChar() const { return char(genericInteger(cell_)); }
+short  MDataHandle::asGenericShort() const { return short(genericInteger(cell_)); }
+int    MDataHandle::asGenericInt() const { return int(genericInteger(cell_)); }
+MInt64 MDataHandle::asGenericInt64() const { return genericInteger(cell_); }
+float  MDataHandle::asGenericFloat() const { return float(asGenericDouble()); }
+double MDataHandle::asGenericDouble() const { return cell_ ? cell_->number() : 0; }
+
+void MDataHandle::setGenericBool(bool v, bool) { putGeneric(cell_, MFnNumericData::kBoolean, v, v); }
+void MDataHandle::setGenericChar(char v, bool) { putGeneric(cell_, MFnNumericData::kChar, v, v); }
+void MDataHandle::setGenericShort(short v, bool) { putGeneric(cell_, MFnNumericData::kShort, v, v); }
+void MDataHandle::setGenericInt(int v, bool) { putGeneric(cell_, MFnNumericData::kInt, v, v); }
+void MDataHandle::setGenericInt64(MInt64 v, bool) { putGeneric(cell_, MFnNumericData::kInt64, double(v), v); }
+void MDataHandle::setGenericFloat(float v, bool) { putGeneric(cell_, MFnNumericData::kFloat, v, 0); }
+void MDataHandle::setGenericDouble(double v, bool) { putGeneric(cell_, MFnNumericData::kDouble, v, 0); }

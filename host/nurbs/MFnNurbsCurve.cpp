@@ -65,6 +65,7 @@ MStatus   MFnNurbsCurve::setObject(MObject& object) { return setObject(static_ca
 MStatus   MFnNurbsCurve::setObject(const MObject& object)
 {
     world_ = nullptr;
+    path_ = MDagPath();
     return MFnBase::setObject(object);
 }
 
@@ -80,6 +81,7 @@ MObject MFnNurbsCurve::create(const MPointArray& cvs, const MDoubleArray& knots,
                     create2D, rational).empty())
         return reported(s, MS::kInvalidParameter, MObject());
     world_ = nullptr;
+    path_ = MDagPath();
     return place(object_, body, owner, s);
 }
 
@@ -102,6 +104,7 @@ MObject MFnNurbsCurve::createWithEditPoints(const MPointArray& editPoints, unsig
         for (MPoint& p : detach(body->cvs))
             p.z = 0;
     world_ = nullptr;
+    path_ = MDagPath();
     return place(object_, body, owner, s);
 }
 
@@ -114,6 +117,7 @@ MObject MFnNurbsCurve::copy(const MObject& source, MObject owner, MStatus* s)
     if (open.data->transformed)
         bakeMatrix(*body);
     world_ = nullptr;
+    path_ = MDagPath();
     return place(object_, body, owner, s);
 }
 

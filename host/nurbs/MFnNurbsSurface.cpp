@@ -95,6 +95,7 @@ MStatus   MFnNurbsSurface::setObject(MObject& object) { return setObject(static_
 MStatus   MFnNurbsSurface::setObject(const MObject& object)
 {
     world_ = nullptr;
+    path_ = MDagPath();
     return MFnBase::setObject(object);
 }
 
@@ -112,6 +113,7 @@ MObject MFnNurbsSurface::create(const MPointArray& cvs, const MDoubleArray& uKno
                       rational).empty())
         return reported(s, MS::kInvalidParameter, MObject());
     world_ = nullptr;
+    path_ = MDagPath();
     return place(object_, body, owner, s);
 }
 
@@ -124,6 +126,7 @@ MObject MFnNurbsSurface::copy(const MObject& source, MObject owner, MStatus* s)
     if (open.data->transformed)
         bakeMatrix(*body);
     world_ = nullptr;
+    path_ = MDagPath();
     return place(object_, body, owner, s);
 }
 

@@ -34,8 +34,10 @@ MFnNurbsCurve::MFnNurbsCurve(const MDagPath& path, MStatus* s) { report(s, setOb
 MStatus MFnNurbsCurve::setObject(const MDagPath& path)
 {
     const MStatus status = setObject(PathAccess::node(path));
-    if (status)
+    if (status) {
         world_ = worldOfPath(path);
+        path_ = path;
+    }
     return status;
 }
 
@@ -43,8 +45,10 @@ MFnNurbsSurface::MFnNurbsSurface(const MDagPath& path, MStatus* s) { report(s, s
 MStatus MFnNurbsSurface::setObject(const MDagPath& path)
 {
     const MStatus status = setObject(PathAccess::node(path));
-    if (status)
+    if (status) {
         world_ = worldOfPath(path);
+        path_ = path;
+    }
     return status;
 }
 

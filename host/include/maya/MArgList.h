@@ -2,17 +2,17 @@
 #include <string>
 #include <vector>
 
+#include <maya/MAngle.h>
+#include <maya/MDistance.h>
 #include <maya/MStatus.h>
 #include <maya/MString.h>
+#include <maya/MTime.h>
 
-class MAngle;
-class MDistance;
 class MDoubleArray;
 class MIntArray;
 class MMatrix;
 class MPoint;
 class MStringArray;
-class MTime;
 class MVector;
 
 namespace mirk { struct ArgAccess; }

@@ -1,20 +1,20 @@
 #pragma once
+#include <maya/MAngle.h>
+#include <maya/MDistance.h>
 #include <maya/MFnData.h>
 #include <maya/MFnNumericData.h>
 #include <maya/MObject.h>
+#include <maya/MTime.h>
 #include <maya/MTypeId.h>
 #include <maya/MTypes.h>
 
-class MAngle;
 class MDataBlock;
-class MDistance;
 class MFloatMatrix;
 class MFloatVector;
 class MMatrix;
 class MPlug;
 class MPxData;
 class MString;
-class MTime;
 class MTypeId;
 class MVector;
 
@@ -74,6 +74,14 @@ public:
     MAngle         asAngle() const;
     MDistance      asDistance() const;
     void*          asAddr() const;
+    // The number in a generic attribute; 0 where it holds none.
+    bool   asGenericBool() const;
+    char   asGenericChar() const;
+    short  asGenericShort() const;
+    int    asGenericInt() const;
+    MInt64 asGenericInt64() const;
+    float  asGenericFloat() const;
+    double asGenericDouble() const;
     MPxData*       asPluginData() const;
     MObject        asMesh() const;
     MObject        asMeshTransformed() const;
@@ -135,6 +143,15 @@ public:
     void set3Float(float a, float b, float c);
     void set3Double(double a, double b, double c);
     void set4Double(double a, double b, double c, double d);
+
+    // A number of this kind for a generic attribute. Connected attributes follow in every case: `propagate` changes nothing.
+    void setGenericBool(bool value, bool propagate);
+    void setGenericChar(char value, bool propagate);
+    void setGenericShort(short value, bool propagate);
+    void setGenericInt(int value, bool propagate);
+    void setGenericInt64(MInt64 value, bool propagate);
+    void setGenericFloat(float value, bool propagate);
+    void setGenericDouble(double value, bool propagate);
 
 private:
     friend struct mirk::HandleAccess;

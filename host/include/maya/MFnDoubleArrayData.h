@@ -1,7 +1,7 @@
 #pragma once
+#include <maya/MDoubleArray.h>
 #include <maya/MFnData.h>
 
-class MDoubleArray;
 
 /// Function set on double array data.
 ///

@@ -1,7 +1,7 @@
 #pragma once
+#include <maya/MFloatArray.h>
 #include <maya/MFnData.h>
 
-class MFloatArray;
 
 /// Function set on float array data.
 ///

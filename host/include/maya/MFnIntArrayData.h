@@ -1,7 +1,7 @@
 #pragma once
 #include <maya/MFnData.h>
+#include <maya/MIntArray.h>
 
-class MIntArray;
 
 /// Function set on int array data.
 ///

@@ -1,7 +1,7 @@
 #pragma once
 #include <maya/MFnData.h>
+#include <maya/MMatrixArray.h>
 
-class MMatrixArray;
 class MMatrix;
 
 /// Function set on matrix array data.

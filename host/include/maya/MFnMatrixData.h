@@ -1,8 +1,8 @@
 #pragma once
 #include <maya/MFnData.h>
+#include <maya/MMatrix.h>
+#include <maya/MTransformationMatrix.h>
 
-class MMatrix;
-class MTransformationMatrix;
 
 /// Function set on matrix data, which holds either a plain matrix or a transformation with its components.
 class MFnMatrixData : public MFnData

@@ -1,10 +1,9 @@
 #pragma once
 #include <memory>
 
-#include <maya/MFnBase.h>
+#include <maya/MFnDagNode.h>
 #include <maya/MSpace.h>
 
-class MDagPath;
 class MDoubleArray;
 class MPoint;
 class MPointArray;
@@ -17,7 +16,7 @@ struct WorldMatrix;
 
 /// Function set on NURBS curves: on curve data, on a curve shape, or on a DAG path to one, which alone knows world space
 /// for a shape. A curve has `CVs + degree - 1` knots; the last `degree` CVs of a periodic one repeat the first.
-class MFnNurbsCurve : public MFnBase
+class MFnNurbsCurve : public MFnDagNode
 {
 public:
     enum Form { kInvalid, kOpen, kClosed, kPeriodic, kLast };
@@ -29,7 +28,7 @@ public:
     MFn::Type type() const override;
     MStatus setObject(MObject& object) override;
     MStatus setObject(const MObject& object) override;
-    virtual MStatus setObject(const MDagPath& path);
+    MStatus setObject(const MDagPath& path) override;
 
     /// Makes a curve in a data object, which is then returned, or as a shape under a transform. Without either it makes
     /// and returns a new transform with the shape; the function set works on the shape then.

@@ -1,10 +1,9 @@
 #pragma once
 #include <memory>
 
-#include <maya/MFnBase.h>
+#include <maya/MFnDagNode.h>
 #include <maya/MSpace.h>
 
-class MDagPath;
 class MDoubleArray;
 class MPoint;
 class MPointArray;
@@ -15,7 +14,7 @@ struct WorldMatrix;
 
 /// Function set on NURBS surfaces: on surface data, on a surface shape, or on a DAG path to one. CVs are stored with V
 /// running fastest. Each direction has `CVs + degree - 1` knots; a periodic one repeats its first `degree` CVs at the end.
-class MFnNurbsSurface : public MFnBase
+class MFnNurbsSurface : public MFnDagNode
 {
 public:
     enum Form { kInvalid, kOpen, kClosed, kPeriodic, kLast };
@@ -27,7 +26,7 @@ public:
     MFn::Type type() const override;
     MStatus setObject(MObject& object) override;
     MStatus setObject(const MObject& object) override;
-    virtual MStatus setObject(const MDagPath& path);
+    MStatus setObject(const MDagPath& path) override;
 
     /// Makes a surface in a data object or as a shape under a transform.
     /// Fails without making anything if counts, degrees, forms or knots do not fit together.

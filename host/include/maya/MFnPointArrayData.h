@@ -1,7 +1,7 @@
 #pragma once
 #include <maya/MFnData.h>
+#include <maya/MPointArray.h>
 
-class MPointArray;
 class MPoint;
 
 /// Function set on point array data.

@@ -1,7 +1,7 @@
 #pragma once
 #include <maya/MFnData.h>
+#include <maya/MStringArray.h>
 
-class MStringArray;
 class MString;
 
 /// Function set on string array data.

@@ -1,7 +1,7 @@
 #pragma once
 #include <maya/MFnData.h>
+#include <maya/MString.h>
 
-class MString;
 
 /// Function set on string data.
 class MFnStringData : public MFnData

@@ -1,9 +1,9 @@
 #pragma once
+#include <maya/MAngle.h>
+#include <maya/MDistance.h>
 #include <maya/MFnAttribute.h>
+#include <maya/MTime.h>
 
-class MAngle;
-class MDistance;
-class MTime;
 
 /// Angles, distances and times; held in radians, centimetres and seconds.
 class MFnUnitAttribute : public MFnAttribute

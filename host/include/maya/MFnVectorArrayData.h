@@ -1,7 +1,7 @@
 #pragma once
 #include <maya/MFnData.h>
+#include <maya/MVectorArray.h>
 
-class MVectorArray;
 class MVector;
 
 /// Function set on vector array data.

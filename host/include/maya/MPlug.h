@@ -1,18 +1,18 @@
 #pragma once
+#include <maya/MAngle.h>
+#include <maya/MDistance.h>
 #include <maya/MObject.h>
 #include <maya/MStatus.h>
+#include <maya/MString.h>
+#include <maya/MTime.h>
 #include <maya/MTypes.h>
 
-class MAngle;
 class MDGContext;
 class MDGModifier;
 class MDataBlock;
 class MDataHandle;
-class MDistance;
 class MIntArray;
 class MPlugArray;
-class MString;
-class MTime;
 
 namespace mirk { class Node; class Attribute; struct Cell; struct PlugAccess; }
 

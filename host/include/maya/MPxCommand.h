@@ -1,12 +1,12 @@
 #pragma once
 #include <maya/MArgList.h>
+#include <maya/MDoubleArray.h>
+#include <maya/MIntArray.h>
 #include <maya/MStatus.h>
 #include <maya/MString.h>
+#include <maya/MStringArray.h>
 #include <maya/MSyntax.h>
 
-class MDoubleArray;
-class MIntArray;
-class MStringArray;
 
 namespace mirk { struct UserCommandAccess; }
 

@@ -6,6 +6,7 @@
 #include <maya/MTypeId.h>
 
 class MArgList;
+namespace mirk { class PluginData; }
 
 /// Base of the data types that a plug-in defines.
 class MPxData
@@ -14,6 +15,8 @@ public:
     enum Type { kData, kGeometryData, kLast };
 
     MPxData();
+    MPxData(const MPxData&);
+    MPxData& operator=(const MPxData&);
     virtual ~MPxData();
 
     virtual MStatus readASCII(const MArgList& argList, unsigned int& endOfTheLastParsedElement);
@@ -24,4 +27,8 @@ public:
     virtual void    copy(const MPxData& other) = 0;
     virtual MTypeId typeId() const = 0;
     virtual MString name() const = 0;
+
+private:
+    friend class mirk::PluginData;
+    mirk::PluginData* holder_ = nullptr;   // stays with the object when its contents are copied
 };

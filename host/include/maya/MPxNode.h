@@ -1,4 +1,5 @@
 #pragma once
+#include <maya/MDGContext.h>
 #include <maya/MFn.h>
 #include <maya/MObject.h>
 #include <maya/MStatus.h>
@@ -7,7 +8,6 @@
 
 class MDataBlock;
 class MDataHandle;
-class MDGContext;
 class MEvaluationNode;
 class MPlug;
 class MPlugArray;

@@ -12,6 +12,8 @@ enum DrawAPI
     kAllDevices        = kOpenGL | kDirectX11 | kOpenGLCoreProfile
 };
 
+constexpr DrawAPI operator|(DrawAPI a, DrawAPI b) { return DrawAPI(int(a) | int(b)); }
+
 /// The renderer of the viewports.
 class MRenderer
 {
