@@ -92,7 +92,7 @@ TEST_F(Foreign, MultisBuildersAndGenerics)
 TEST_F(Foreign, MeshMakerAndModifier)
 {
     load("mesher_plugin");
-    EXPECT_NE(said(mirk::message::Kind::info).find("mesher 1.0 by Somebody"), std::string::npos);
+    EXPECT_NE(said(mirk::message::kInfo).find("mesher 1.0 by Somebody"), std::string::npos);
     mel("createNode stripMaker -n s; createNode inflate -n i; createNode mesh -n plain; createNode mesh -n fat;"
         "connectAttr s.outMesh plain.inMesh; connectAttr s.outMesh i.inMesh; connectAttr i.outMesh fat.inMesh");
     EXPECT_EQ(num("int $v[] = `polyEvaluate -v fat`; $v[0]"), 6);
