@@ -126,6 +126,7 @@ TEST_F(DagEdit, InstancesHaveAMatrixEach)
     dag::removeInstance(*shape, *a);
     EXPECT_EQ(dag::fullName(dag::firstPath(*shape)), "|b|s");
     EXPECT_THROW(dag::removeInstance(*shape, *b), command::Error);
+    const Ref<Node> keep(shape);
     dag::deleteNode(*b);
     EXPECT_FALSE(shape->inScene);
 }
