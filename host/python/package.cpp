@@ -97,11 +97,14 @@ PyObject* commandFunction(const std::string& name)
     return self && module ? PyCFunction_NewEx(&e.def, self.get(), module.get()) : nullptr;
 }
 
-PyObject* commandNames()
+/// Names of commands; `forImport` without those that would hide Python's own.
+PyObject* commandNames(bool forImport = false)
 {
     PyObject* list = PyList_New(0);
     for (const std::string& n : command::names())
     {
+        if (forImport && (n == "print" || n == "eval"))
+            continue;
         Object name(PyUnicode_FromString(n.c_str()));
         if (PyList_Append(list, name.get()) < 0)
             break;
@@ -115,7 +118,7 @@ PyObject* cmdsGetattr(PyObject*, PyObject* name)
     if (!text)
         return nullptr;
     if (std::strcmp(text, "__all__") == 0)
-        return commandNames();
+        return commandNames(true);
     if (!command::find(text))
         return PyErr_Format(PyExc_AttributeError, "module 'maya.cmds' has no attribute '%s'", text);
     return commandFunction(text);

@@ -31,7 +31,7 @@ TEST_F(Python, ResultsKeepTheirKindAcrossLanguages)
     {
         EXPECT_EQ(py(c.text).kind(), c.kind) << c.text;
         if (*c.repr)
-            EXPECT_EQ(py("repr(mm.eval('python(\"" + std::string(c.text) + "\")'))").asString(), c.repr) << c.text;
+            EXPECT_EQ(py("repr(mm.eval('''python(\"" + std::string(c.text) + "\")'''))").asString(), c.repr) << c.text;
     }
     EXPECT_EQ(py("4000000000").asFloat(), 4e9) << "past 32 bits a float";
 }
