@@ -25,13 +25,14 @@ install_packages() {
   "${apt[@]}" install --no-install-recommends "${missing[@]}"
 }
 
-# build PRESET: configures once (the generator notices later changes by itself) and builds.
+# build PRESET [TARGET...]: configures once (the generator notices later changes by itself) and builds.
 build() {
   local directory=build
   [[ $1 == debug ]] && directory=build-debug
   [[ $1 == sanitizers ]] && directory=build-asan
   [[ -f $directory/build.ninja ]] || cmake --preset "$1"
-  cmake --build --preset "$1"
+  local targets=("${@:2}")
+  cmake --build --preset "$1" ${targets[@]+--target "${targets[@]}"}
 }
 
 install_packages
