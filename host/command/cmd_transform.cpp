@@ -12,6 +12,7 @@
 #include "command/shape_edit.h"
 #include "command/transform_edit.h"
 #include "graph/evaluate.h"
+#include "nodes/shape_box.h"
 
 namespace mirk::command {
 
@@ -133,6 +134,17 @@ constexpr Flag kXform[] = {
 
 constexpr const char* kOrders[] = {"xyz", "yzx", "zxy", "xzy", "yxz", "zyx"};
 
+/// The points of a geometry; the corners of its box for a shape without points.
+std::vector<MPoint> extent(Node& shape)
+{
+    auto points = shapePoints(shape);
+    double b[6];
+    if (points.empty() && nodes::shapeBox(shape, b))
+        for (int corner = 0; corner < 8; ++corner)
+            points.push_back(MPoint(b[corner & 1 ? 3 : 0], b[corner & 2 ? 4 : 1], b[corner & 4 ? 5 : 2]));
+    return points;
+}
+
 /// Box of everything shown below a path, in world space or above the node.
 Value boundingBox(const Item& item, bool world)
 {
@@ -144,7 +156,7 @@ Value boundingBox(const Item& item, bool world)
             return true;
         const MMatrix m = worldMatrix(p) * back;
         if (p.node()->type->shape)
-            for (const MPoint& point : shapePoints(*p.node()))
+            for (const MPoint& point : extent(*p.node()))
             {
                 const MPoint q = point * m;
                 for (unsigned k = 0; k < 3; ++k)

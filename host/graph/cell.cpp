@@ -159,6 +159,8 @@ static_assert(sizeof(Cell) <= Slabs::kCell);
 
 Cell::Cell(Node* n, const Attribute* a, Cell* p, int i) : v(&own), index(i), node(n), attr(a), parent(p)
 {
+    if (a->is(Attribute::kInternal))
+        flags |= kInternal;
     if (isMulti())
         return;
     if (p && i < 0 && p->attr->isTuple() && a->childIndex >= 0)

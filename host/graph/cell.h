@@ -34,6 +34,7 @@ struct Cell
         kChildDirty = 2048,  // compound: some child may be dirty
         kMuteCycle = 4096,   // a cycle through it was reported in this evaluation
         kPrivate = 8192,     // stands in no node's tree: a builder's or a constructed handle's
+        kInternal = 16384,   // the node may keep the value in its own way
     };
 
     // the first cache line is what evaluation of a number touches

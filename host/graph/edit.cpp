@@ -449,6 +449,13 @@ void disconnect(Cell& source, Cell& target)
     for (Cell* p = &target; p; p = p->parent)
         if (p->is(Cell::kLocked))
             throw Error("The destination attribute '" + nameOf(target) + "' is locked and cannot be disconnected.");
+    for (Cell* c : {&source, &target})
+        if (MPxNode* user = userOf(*c)) {
+            bool  legal = true;
+            Cell& other = c == &source ? target : source;
+            if (user->legalDisconnection(PlugAccess::make(*c), PlugAccess::make(other), c == &source, legal) == MS::kSuccess && !legal)
+                throw Error("Cannot disconnect '" + nameOf(source) + "' from '" + nameOf(target) + "': '" + c->node->name + "' refuses it.");
+        }
     breakLink(source, target);
     if (target.attr->disconnect == 1) {
         beforeChange(target);
@@ -486,12 +493,14 @@ void beforeChange(Cell& cell)
             before->restore();
             eval::dirty(*hold);
             eval::clean(*hold);
+            walkCells(*hold, eval::tellInternalValue);
         },
         [=] {
             if (*after)
                 (*after)->restore();
             eval::dirty(*hold);
             eval::clean(*hold);
+            walkCells(*hold, eval::tellInternalValue);
         });
 }
 
@@ -504,6 +513,7 @@ void afterChange(Cell& cell)
             c.flags |= Cell::kSet;
     });
     eval::clean(cell);
+    walkCells(cell, eval::tellInternalValue);
     if (!cell.node->computing)
         eval::spread(cell);
     scene().modified = true;

@@ -332,9 +332,30 @@ void pullTupleChildren(Cell& cell)
 
 }  // namespace
 
+void askInternalValue(Cell& cell)
+{
+    if (cell.source || (cell.flags & (Cell::kComputing | Cell::kPrivate | Cell::kRemoved)) || !cell.node->user)
+        return;
+    const bool wasSet = cell.is(Cell::kSet);
+    cell.flags |= Cell::kComputing;
+    MDataHandle handle = HandleAccess::handle(&cell);
+    cell.node->user->getInternalValue(PlugAccess::lend(cell), handle);
+    cell.flags &= ~Cell::kComputing;
+    cell.set(Cell::kSet, wasSet);
+}
+
+void tellInternalValue(Cell& cell)
+{
+    if (!cell.is(Cell::kInternal) || (cell.flags & (Cell::kComputing | Cell::kPrivate | Cell::kRemoved)) || !cell.node->user)
+        return;
+    cell.flags |= Cell::kComputing;
+    cell.node->user->setInternalValue(PlugAccess::lend(cell), HandleAccess::handle(&cell));
+    cell.flags &= ~Cell::kComputing;
+}
+
 void pull(Cell& cell)
 {
-    if (!(cell.flags & (Cell::kDirty | Cell::kChildDirty)))
+    if (!(cell.flags & (Cell::kDirty | Cell::kChildDirty | Cell::kInternal)))
         return;
     if (cell.flags & (Cell::kPrivate | Cell::kRemoved)) {
         cell.flags &= ~Cell::kDirty;
@@ -354,6 +375,8 @@ void pull(Cell& cell)
     }
     if (cell.is(Cell::kChildDirty))
         pullTupleChildren(cell);
+    if (cell.is(Cell::kInternal))
+        askInternalValue(cell);
 }
 
 void pullDeep(Cell& cell)

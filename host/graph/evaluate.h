@@ -9,6 +9,8 @@ namespace mirk::eval {
 /// Makes the value of a leaf or tuple valid: from its source, its node's compute, or as it stands.
 /// For a plain compound or a multi nothing is evaluated; see `pullDeep`.
 void pull(Cell& cell);
+/// Offers the cell's new value to its node if the attribute is internal.
+void tellInternalValue(Cell& cell);
 /// `pull` for the cell and everything below it, connected elements included.
 void pullDeep(Cell& cell);
 /// Spreads dirt from a cell that got a new value or a new source. The cell itself is left as it is.

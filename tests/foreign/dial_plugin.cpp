@@ -40,6 +40,10 @@ public:
 
     virtual void    postConstructor() { setMPSafe(true); }
     virtual MStatus compute(const MPlug& plug, MDataBlock& data);
+    virtual bool    getInternalValue(const MPlug& plug, MDataHandle& handle);
+    virtual bool    setInternalValue(const MPlug& plug, const MDataHandle& handle);
+    virtual void    copyInternalData(MPxNode* node) { mKnob = static_cast<dial*>(node)->mKnob; }
+    virtual MStatus legalDisconnection(const MPlug& plug, const MPlug& other, bool asSrc, bool& isLegal) const;
     virtual SchedulingType schedulingType() const { return SchedulingType::kParallel; }
 
     static void*   creator();
@@ -50,11 +54,12 @@ public:
     static MObject position, positionX, positionY, positionZ;
     static MObject angle, time, mode, space, label, any, tint, flags, when, size;
     static MObject keys, keyValue, keyName, keyAt;
-    static MObject link;
+    static MObject link, knob;
     static MObject outPosition, outPositionX, outPositionY, outPositionZ;
     static MObject outText, outSeconds, outArray, outWeights, outColor, outAny;
 
 private:
+    int mKnob = 1;
     MStatus computePosition(MDataBlock& data);
     MStatus computeText(MDataBlock& data);
     MStatus computeArray(MDataBlock& data);
@@ -82,6 +87,7 @@ MObject dial::keyValue;
 MObject dial::keyName;
 MObject dial::keyAt;
 MObject dial::link;
+MObject dial::knob;
 MObject dial::outPosition;
 MObject dial::outPositionX;
 MObject dial::outPositionY;
@@ -96,6 +102,32 @@ MObject dial::outAny;
 void* dial::creator()
 {
     return new dial;
+}
+
+bool dial::getInternalValue(const MPlug& plug, MDataHandle& handle)
+{
+    if (plug != knob)
+        return MPxNode::getInternalValue(plug, handle);
+    handle.set(mKnob);
+    return true;
+}
+
+// the knob turns from 0 to 10
+bool dial::setInternalValue(const MPlug& plug, const MDataHandle& handle)
+{
+    if (plug != knob)
+        return MPxNode::setInternalValue(plug, handle);
+    mKnob = handle.asInt() > 10 ? 10 : handle.asInt() < 0 ? 0 : handle.asInt();
+    return true;
+}
+
+// a link stays while the knob is at 10
+MStatus dial::legalDisconnection(const MPlug& plug, const MPlug& other, bool asSrc, bool& isLegal) const
+{
+    if (plug != link)
+        return MPxNode::legalDisconnection(plug, other, asSrc, isLegal);
+    isLegal = mKnob < 10;
+    return MS::kSuccess;
 }
 
 MStatus dial::compute(const MPlug& plug, MDataBlock& data)
@@ -320,6 +352,10 @@ MStatus dial::initialize()
     link = msgAttr.create("link", "lk", &stat);
     CHECK_MSTATUS(msgAttr.addToCategory("plumbing"));
     McheckAdd(link);
+
+    knob = nAttr.create("knob", "kb", MFnNumericData::kInt, 0);
+    CHECK_MSTATUS(nAttr.setInternal(true));
+    McheckAdd(knob);
 
     outPositionX = nAttr.create("outPositionX", "opx", MFnNumericData::kDouble);
     outPositionY = nAttr.create("outPositionY", "opy", MFnNumericData::kDouble);

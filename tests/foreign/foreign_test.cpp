@@ -1,7 +1,9 @@
 // Plug-ins written against the public interface alone, loaded and driven by commands.
 #include <cmath>
 
+#include "../draw/picture.h"
 #include "../support/host_fixture.h"
+#include "view/scene_draw.h"
 
 namespace {
 
@@ -89,6 +91,25 @@ TEST_F(Foreign, MultisBuildersAndGenerics)
     EXPECT_EQ(strings("listConnections e.link"), (Strings{"d"}));
 }
 
+TEST_F(Foreign, ValuesThatTheNodeKeeps)
+{
+    load("dial_plugin");
+    mel("createNode dial -n d");
+    EXPECT_EQ(num("getAttr d.knob"), 1);   // the node's own, not the attribute's default
+    mel("setAttr d.knob 5");
+    mel("setAttr d.knob 25");
+    EXPECT_EQ(num("getAttr d.knob"), 10);
+    mel("undo");
+    EXPECT_EQ(num("getAttr d.knob"), 5);
+    mel("redo; duplicate -n e d");
+    EXPECT_EQ(num("getAttr e.knob"), 10);
+    mel("connectAttr d.message e.link");
+    EXPECT_NE(melError("disconnectAttr d.message e.link").find("refuses"), std::string::npos);
+    EXPECT_EQ(num("isConnected d.message e.link"), 1);
+    mel("setAttr e.knob 9; disconnectAttr d.message e.link");
+    EXPECT_EQ(num("isConnected d.message e.link"), 0);
+}
+
 TEST_F(Foreign, MeshMakerAndModifier)
 {
     load("mesher_plugin");
@@ -131,10 +152,29 @@ TEST_F(Foreign, DeformerAndLocator)
     EXPECT_EQ(num("int $v[] = `polyEvaluate -v bent`; $v[0]"), 16);
 
     EXPECT_EQ(str("createNode flag -n f"), "f");
-    EXPECT_EQ(strings("ls -type locator"), (Strings{}));
+    EXPECT_EQ(strings("ls -type locator"), (Strings{"f"}));
+    EXPECT_EQ(strings("ls -exactType locator"), (Strings{}));
     EXPECT_EQ(strings("nodeType -inherited f").back(), "flag");
     mel("string $p[] = `listRelatives -p f`; setAttr ($p[0] + \".tx\") 10; setAttr f.size 3");
-    near(nums("float $b[] = `exactWorldBoundingBox f`; $b = $b;"), {7, -3, -3, 13, 3, 3}, "box");
+    near(nums("float $b[] = `xform -q -ws -bb $p[0]`; $b = $b;"), {7, -3, -3, 13, 3, 3}, "box");
+}
+
+TEST_F(Foreign, LocatorIsDrawnByItsOverride)
+{
+    load("bender_plugin");
+    mirk::view::SceneDrawOptions options;
+    options.camera = picture::flatCamera();
+    options.grid = false;
+    const picture::Pixel black{0, 0, 0, 255}, red{255, 0, 0, 255};
+    mel("createNode flag -n f; setAttr f.size 0.5; select f");   // a filled square of one unit, red while selected
+    EXPECT_EQ(picture::at(mirk::view::renderScene(options), 20, 40), red);
+    EXPECT_EQ(picture::at(mirk::view::renderScene(options), 8, 40), black);
+    mel("select -cl; setAttr f.size 0.9");
+    const picture::Pixel dormant = picture::at(mirk::view::renderScene(options), 8, 40);
+    EXPECT_FALSE(dormant == black);
+    EXPECT_FALSE(dormant == red);
+    mel("unloadPlugin -force bender_plugin");
+    EXPECT_FALSE(picture::at(mirk::view::renderScene(options), 8, 40) == red);
 }
 
 TEST_F(Foreign, UndoableCommand)
@@ -170,10 +210,10 @@ TEST_F(Foreign, UndoableCommand)
     EXPECT_FALSE(melError("rack -tag 3 x").empty());
     EXPECT_FALSE(melError("rack -nonsense").empty());
     EXPECT_FALSE(melError("rack -e nobody").empty());
-    EXPECT_EQ(py("import maya.cmds as c\nc.rack('shelf', q=True, n=True)").asString(), "shelf");
-    EXPECT_EQ(py("c.rack('a', place=(0, 0, 7), tag=[('m', 1), ('n', 2)])").asString(), "rack");
+    EXPECT_EQ((py("import maya.cmds as c"), py("c.rack('shelf', q=True, n=True)").asString()), "shelf");
+    EXPECT_EQ(py("c.rack('a', place=(0, 0, 7), tag=[('first', 1), ('second', 2)])").asString(), "rack");
     expectAttr("rack.t", {0, 0, 7});
-    EXPECT_EQ(num("getAttr rack.n"), 2);
+    EXPECT_EQ(num("getAttr rack.second"), 2);
 }
 
 TEST_F(Foreign, CommandThatWalksTheScene)
