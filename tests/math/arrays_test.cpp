@@ -40,6 +40,7 @@ TEST(Arrays, AnAliasWritesThroughWhateverIsDone)
     alias.remove(0);
     alias.insert(-1, 2);
     alias.setLength(6);
+    alias[5] = 0;  // new values are undefined
     const double expected[] = {5, 1, -1, 7, 9, 0};
     ASSERT_EQ(buffer->size(), 6u);
     for (size_t i = 0; i < 6; ++i)
