@@ -1,3 +1,4 @@
+#include <charconv>
 #include <cstdio>
 #include <filesystem>
 #include <memory>
@@ -30,10 +31,14 @@ struct Frames { int first = 0, last = -1; };
 Frames parseFrames(const std::string& text)
 {
     Frames f;
-    int    used = 0;
     if (text.empty())
         return f;
-    if (std::sscanf(text.c_str(), "%d-%d%n", &f.first, &f.last, &used) != 2 || size_t(used) != text.size() || f.last < f.first)
+    constexpr int most = 10'000'000;   // either way
+    const char*   end = text.data() + text.size();
+    const auto    first = std::from_chars(text.data(), end, f.first);
+    const auto    last = first.ptr < end && *first.ptr == '-' ? std::from_chars(first.ptr + 1, end, f.last) : first;
+    if (first.ec != std::errc() || last.ec != std::errc() || last.ptr != end || last.ptr == first.ptr || f.last < f.first
+        || f.first < -most || f.last > most)
         throw Error("Invalid frame range '" + text + "': it is written as 1-24");
     return f;
 }

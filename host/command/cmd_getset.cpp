@@ -166,7 +166,7 @@ void writeTyped(Cell& cell, const std::string& type, Arguments& args, bool clamp
         const bool numeric = type == own || numbersOf(a) > 1 ||
                              type == "double" || type == "float" || type == "long" || type == "short" || type == "bool";
         if (!numeric || type == "string" || type.find("Array") != std::string::npos)
-            fail("Type specified for new attribute value does not match '" + plugText(cell) + "', which is of type " + own + ".");
+            fail("Type '" + type + "' specified for new attribute value does not match '" + plugText(cell) + "', which is of type " + own + ".");
         return writeNumbers(cell, args, clamp);
     }
     Ref<Data> data = dataFromArguments(type, args);
@@ -175,7 +175,7 @@ void writeTyped(Cell& cell, const std::string& type, Arguments& args, bool clamp
     const bool fits = a.kind == AttrKind::kGeneric ? a.acceptsData(data->type()) || data->type() == MFnData::kNumeric
                                                    : a.dataType == data->type() || a.dataType == MFnData::kAny;
     if (!fits)
-        fail("Type specified for new attribute value does not match '" + plugText(cell) + "', which is of type " + typeNameOf(a) + ".");
+        fail("Type '" + type + "' specified for new attribute value does not match '" + plugText(cell) + "', which is of type " + typeNameOf(a) + ".");
     edit::setData(cell, data);
 }
 
@@ -200,6 +200,20 @@ void writeUntyped(Cell& cell, Arguments& args, bool clamp)
     if (a.dataType == MFnData::kString || a.kind == AttrKind::kGeneric)
         fail("'" + plugText(cell) + "': use the -type flag to set a string.");
     fail("'" + plugText(cell) + "': use the -type flag to set a value of type " + typeNameOf(a) + ".");
+}
+
+void writeValue(Cell& cell, const std::string& type, Arguments& args, bool clamp)
+{
+    try
+    {
+        type.empty() ? writeUntyped(cell, args, clamp) : writeTyped(cell, type, args, clamp);
+    }
+    catch (const Error& e)
+    {
+        if (std::string(e.what()).starts_with("Error reading data element"))   // knows the value's place only
+            fail("'" + plugText(cell) + "': " + e.what());
+        throw;
+    }
 }
 
 /// True if the text names a plug and is not a value.
@@ -248,10 +262,7 @@ Value setAttr(Call& call)
             checkWritable(cell);
             if (names.size() > 1)
                 args = Arguments(again);   // every one of several plugs gets the same value
-            if (type.empty())
-                writeUntyped(cell, args, call.has("clamp"));
-            else
-                writeTyped(cell, type, args, call.has("clamp"));
+            writeValue(cell, type, args, call.has("clamp"));
         }
         if (call.boolean("lock"))
             edit::setFlag(cell, Cell::kLocked, true);

@@ -20,8 +20,14 @@ namespace {
 
 constexpr uint8_t kAll = kCreate | kQuery | kEdit;
 
-double length(const Value& v) { return MDistance(v.asFloat(), MDistance::uiUnit()).as(MDistance::kCentimeters); }
-double angle(const Value& v) { return MAngle(v.asFloat(), MAngle::uiUnit()).as(MAngle::kRadians); }
+double plain(const Value& v, const char* kind)
+{
+    if (v.kind() == Value::kString)
+        fail("Invalid argument '" + v.asString() + "': " + kind + " expected");
+    return v.asFloat();
+}
+double length(const Value& v) { return MDistance(plain(v, "a distance"), MDistance::uiUnit()).as(MDistance::kCentimeters); }
+double angle(const Value& v) { return MAngle(plain(v, "an angle"), MAngle::uiUnit()).as(MAngle::kRadians); }
 double uiLength(double v) { return MDistance(v, MDistance::kCentimeters).as(MDistance::uiUnit()); }
 double uiAngle(double v) { return MAngle(v, MAngle::kRadians).as(MAngle::uiUnit()); }
 

@@ -2,6 +2,7 @@
 #include "graph/evaluate.h"
 
 #include <algorithm>
+#include <exception>
 #include <unordered_set>
 
 #include <maya/MDataBlock.h>
@@ -256,8 +257,13 @@ void callCompute(Cell& cell)
     {
         MDataBlock  block = HandleAccess::block(&node);
         const MPlug plug = PlugAccess::lend(cell);
-        if (!node.type->computeBase || !node.type->computeBase(node, cell))
-            status = node.user ? node.user->compute(plug, block) : MStatus(MS::kUnknownParameter);
+        try {
+            if (!node.type->computeBase || !node.type->computeBase(node, cell))
+                status = node.user ? node.user->compute(plug, block) : MStatus(MS::kUnknownParameter);
+        } catch (const std::exception& e) {   // memory that runs out above all: the evaluation around it goes on
+            report("Evaluation of '" + plugName(cell) + "' failed: " + e.what(), true);
+            status = MS::kFailure;
+        }
     }
     cell.flags &= ~Cell::kComputing;
     s.node = outer;

@@ -177,7 +177,11 @@ Node* selectedNode() { return selection::get().empty() ? nullptr : selection::ge
 
 void keepText(Node& node, const std::string& raw)
 {
-    node.unknownText += "\t" + raw + ";\n";
+    const std::string line = "\t" + raw + ";\n";
+    const size_t      length = node.unknownText.size();
+    const Ref<Node>   keep(&node);   // default nodes outlive the file that fails
+    node.unknownText += line;
+    undo::push([=] { keep->unknownText.resize(length); }, [=] { keep->unknownText += line; });
 }
 
 /// The node and attribute path that a plug in a statement names; null if the node is not there.

@@ -16,8 +16,8 @@ struct NamedMesh
 /// Reads a file: points, vertex colours (`v x y z r g b`; -1 -1 -1 means none), UVs and faces, in their order and
 /// untouched. One mesh for each object or group that has faces; a file with only one has all points in it, also those that
 /// no face uses, and of several each takes what its faces use, in the file's order.
-/// @return false and a message that names file and line: no such file, a face that names missing points or UVs, a face
-///         of less than three vertices
+/// @return false and a message that names file and line: no such file, no points in it, a line that cannot be read or a number
+///         that is not finite, a face that names missing points or UVs, a face of less than three vertices
 bool readObj(const std::string& file, std::vector<NamedMesh>& meshes, std::string& error);
 /// The same on text; `file` is for messages.
 bool parseObj(const std::string& text, const std::string& file, std::vector<NamedMesh>& meshes, std::string& error);

@@ -1,4 +1,7 @@
+#include <algorithm>
 #include <charconv>
+#include <cmath>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <map>
@@ -45,6 +48,7 @@ struct Content
     Part*              current = nullptr;
     int                faces = 0;             // face lines met
     int                badFace = -1;          // the first face line that is wrong
+    int                badLine = 0;           // the first line that cannot be read
     std::string        wrong;
 
     int pointCount() const { return int(points.size() / 3); }
@@ -162,11 +166,60 @@ int numbers(std::string_view rest, float* out, int most)
         if (r.ec == std::errc::invalid_argument)
             break;
         if (r.ec != std::errc())
-            out[n] = 0;
+            out[n] = std::strtof(p, nullptr);   // infinite, or next to nothing
         p = r.ptr;
         ++n;
     }
     return n;
+}
+
+/// True if a corner of a face reads as indices: 1, 1/2, 1//3, 1/2/3, each within 32 bits.
+bool isCorner(std::string_view word)
+{
+    int parts = 0;
+    for (const char *p = word.data(), *end = p + word.size();; ++p) {
+        int        id = 0;
+        const auto r = std::from_chars(p, end, id);
+        if (r.ec != std::errc() && (parts == 0 || r.ec == std::errc::result_out_of_range))
+            return false;
+        p = r.ptr;
+        if (++parts > 3 || (p < end && *p != '/'))
+            return false;
+        if (p >= end)
+            return true;
+    }
+}
+
+/// Refuses the first line that the reader would take for zeros.
+void checkText(const std::string& text, Content& content)
+{
+    constexpr const char* kBlanks = " \t";
+    const auto refuse = [&](int number, std::string why) {
+        if (content.badLine == 0 || number < content.badLine) {
+            content.badLine = number;
+            content.wrong = std::move(why);
+        }
+        return false;
+    };
+    for (const auto& [keyword, least] : {std::pair{"v", 3}, std::pair{"vt", 1}})
+        eachLine(text, keyword, [&, keyword = keyword, least = least](int number, std::string_view rest) {
+            float n[3];
+            if (numbers(rest, n, least) < least || !std::all_of(n, n + least, [](float f) { return std::isfinite(f); }))
+                return refuse(number, std::string("a line of '") + keyword + "' needs " + std::to_string(least)
+                                          + (least == 1 ? " finite number" : " finite numbers"));
+            return true;
+        });
+    eachLine(text, "f", [&](int number, std::string_view rest) {
+        while (true) {
+            rest.remove_prefix(std::min(rest.find_first_not_of(kBlanks), rest.size()));
+            if (rest.empty())
+                return true;
+            const std::string_view word = rest.substr(0, rest.find_first_of(kBlanks));
+            if (!isCorner(word))
+                return refuse(number, "'" + std::string(word.substr(0, 40)) + "' is no corner of a face");
+            rest.remove_prefix(word.size());
+        }
+    });
 }
 
 /// Colours behind the positions, one a point; empty if the first point has none.
@@ -262,6 +315,11 @@ Ref<MeshBody> build(const Content& content, const std::vector<MColor>& colors, P
 bool parseObj(const std::string& text, const std::string& file, std::vector<NamedMesh>& meshes, std::string& error)
 {
     Content content;
+    checkText(text, content);
+    if (content.badLine > 0) {
+        error = file + ":" + std::to_string(content.badLine) + ": " + content.wrong;
+        return false;
+    }
     load(text, content);
     checkIds(content);
     if (content.badFace >= 0) {
@@ -288,7 +346,15 @@ bool readObj(const std::string& file, std::vector<NamedMesh>& meshes, std::strin
         error = "Cannot read file: " + file;
         return false;
     }
-    return parseObj(text, file, meshes, error);
+    std::vector<NamedMesh> found;
+    if (!parseObj(text, file, found, error))
+        return false;
+    if (found.empty()) {
+        error = file + ": there are no points in it";
+        return false;
+    }
+    meshes = std::move(found);
+    return true;
 }
 
 }  // namespace mirk

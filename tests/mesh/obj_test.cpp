@@ -82,7 +82,9 @@ TEST(Obj, WrongFacesAreNamed)
         {"v 0 0 0\nv 1 0 0\nv 0 1 0\no x\nf 1/1 2/1 3/1\n",          "a.obj:5: a face names UV 1 of 0"},
         {"v 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 0\n",                     "a.obj:4: a face names no point"},
         {"v 0 0 0\nv 1 0 0\nf \nf 1 2\n",                            "a.obj:4: a face has 2 vertices"},
-        {"v 0 0 0\nf a b c\n",                                       "a.obj:2: a face names no point"},
+        {"v 0 0 0\nf a b c\n",                                       "a.obj:2: 'a' is no corner of a face"},
+        {"v 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 4294967299\n",            "a.obj:4: '4294967299' is no corner of a face"},
+        {"v 0 0 0\nv 1e39 0 0\nf 1 2 2\n",                          "a.obj:2: a line of 'v' needs 3 finite numbers"},
     };
     for (const Case& c : cases) {
         std::vector<NamedMesh> meshes(1);
