@@ -168,7 +168,7 @@ Operand Codegen::converted(const Node* at, Operand o, Type t)
             return false;
         if (isArray(t))
             return (t == Type::kInts && o.type == Type::kFloats) || (t == Type::kFloats && o.type == Type::kInts);
-        return t != Type::kMatrix && o.type != Type::kMatrix;
+        return (t != Type::kMatrix || o.type == Type::kVector) && o.type != Type::kMatrix;   // a vector is a row
     };
     if (!fits())
         fail(at, o.type == Type::kVoid ? std::string("Cannot use data of type void in this context.")

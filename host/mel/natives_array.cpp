@@ -125,6 +125,46 @@ bool removeAt(StringArray& a, int32_t at)
     return true;
 }
 
+bool removeAt(auto& a, int32_t at)
+{
+    if (at < 0 || size_t(at) >= a.size())
+        return false;
+    auto rest = std::vector(a.begin(), a.end());
+    rest.erase(rest.begin() + at);
+    a.clear();
+    for (auto e : rest)
+        a.push(e);
+    return true;
+}
+
+template <class T>
+std::vector<T> without(const PlainArray<T>& what, const PlainArray<T>& from)
+{
+    const std::set<T> set(what.begin(), what.end());
+    std::vector<T>    out;
+    for (T e : from)
+        if (!set.count(e))
+            out.push_back(e);
+    return out;
+}
+
+template <class T>
+std::vector<T> catenated(const PlainArray<T>& a, const PlainArray<T>& b)
+{
+    std::vector<T> out(a.begin(), a.end());
+    out.insert(out.end(), b.begin(), b.end());
+    return out;
+}
+
+template <class T>
+int32_t findFrom(const PlainArray<T>& a, T e, int32_t from)
+{
+    for (size_t i = size_t(std::max(from, 0)); i < a.size(); ++i)
+        if (a.get(int64_t(i)) == e)
+            return int32_t(i);
+    return -1;
+}
+
 #define FN(name, params, result, expr) {name, params, result, [](NativeCall& c) { c.give(expr); }}
 
 const Native kRows[] = {
@@ -143,14 +183,15 @@ const Native kRows[] = {
                 return int32_t(i);
         return int32_t(-1);
     }()),
-    FN("intArrayFind", "iiI", 'i', [&] {
-        for (size_t i = size_t(std::max(c.i(1), 0)); i < c.ints(2).size(); ++i)
-            if (c.ints(2).get(int64_t(i)) == c.i(0))
-                return int32_t(i);
-        return int32_t(-1);
-    }()),
+    FN("intArrayFind", "iiI", 'i', findFrom(c.ints(2), c.i(0), c.i(1))),
+    FN("floatArrayFind", "fiF", 'i', findFrom(c.floats(2), c.f(0), c.i(1))),
     FN("stringArrayCount", "sS", 'i', countOf(c.strings(1), c.s(0))),
     FN("intArrayCount", "iI", 'i', int32_t(std::count(c.ints(1).begin(), c.ints(1).end(), c.i(0)))),
+    FN("floatArrayCount", "fF", 'i', int32_t(std::count(c.floats(1).begin(), c.floats(1).end(), c.f(0)))),
+    FN("intArrayCatenate", "II", 'I', catenated(c.ints(0), c.ints(1))),
+    FN("floatArrayCatenate", "FF", 'F', Value(catenated(c.floats(0), c.floats(1))).asFloats()),
+    FN("intArrayRemove", "II", 'I', without(c.ints(0), c.ints(1))),
+    FN("floatArrayRemove", "FF", 'F', Value(without(c.floats(0), c.floats(1))).asFloats()),
     FN("stringArrayCatenate", "SS", 'S', catenated(c.strings(0), c.strings(1))),
     FN("stringArrayRemove", "SS", 'S', chosen(c.strings(0), c.strings(1), false)),
     FN("stringArrayRemoveExact", "SS", 'S', chosen(c.strings(0), c.strings(1), false)),
@@ -167,6 +208,8 @@ const Native kRows[] = {
     FN("intArrayInsertAtIndex", "iIi", 'i', int32_t(plainInsertAt(c.ints(1), c.i(0), c.i(2)))),
     FN("floatArrayInsertAtIndex", "iFf", 'i', int32_t(plainInsertAt(c.floats(1), c.i(0), c.f(2)))),
     FN("stringArrayRemoveAtIndex", "iS", 'i', int32_t(removeAt(c.strings(1), c.i(0)))),
+    FN("intArrayRemoveAtIndex", "iI", 'i', int32_t(removeAt(c.ints(1), c.i(0)))),
+    FN("floatArrayRemoveAtIndex", "iF", 'i', int32_t(removeAt(c.floats(1), c.i(0)))),
     {"appendStringArray", "SSi", 0, [](NativeCall& c) { append(c.strings(0), c.strings(1), c.i(2)); }},
     {"appendStringArray", "SS", 0, [](NativeCall& c) { append(c.strings(0), c.strings(1), int32_t(c.strings(1).size())); }},
 };

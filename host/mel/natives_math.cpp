@@ -54,6 +54,25 @@ double hermite(double a, double b, double ta, double tb, double t)
     return (2 * t3 - 3 * t2 + 1) * a + (3 * t2 - 2 * t3) * b + (t3 - 2 * t2 + t) * ta + (t3 - t2) * tb;
 }
 
+/// Hue, saturation and value, all in [0, 1]; a grey has hue 0.
+Vec3 hsvOf(const Vec3& c)
+{
+    const double high = std::max({c.x, c.y, c.z}), range = high - std::min({c.x, c.y, c.z});
+    if (range <= 0 || high <= 0)
+        return {0, 0, high};
+    const double sixth = c.x == high ? (c.y - c.z) / range : c.y == high ? 2 + (c.z - c.x) / range : 4 + (c.x - c.y) / range;
+    return {(sixth < 0 ? sixth + 6 : sixth) / 6, range / high, high};
+}
+
+Vec3 rgbOf(const Vec3& hsv)
+{
+    const auto channel = [&](double offset) {
+        const double k = std::fmod(offset + (hsv.x - std::floor(hsv.x)) * 6, 6.0);
+        return hsv.z * (1 - hsv.y * std::clamp(std::min(k, 4 - k), 0.0, 1.0));
+    };
+    return {channel(5), channel(3), channel(1)};
+}
+
 double sign(double x) { return x < 0 ? -1 : x > 0 ? 1 : 0; }
 double between(double low, double high) { return low + (high - low) * randomUnit(); }
 
@@ -89,6 +108,9 @@ const Native kRows[] = {
     FN("hermite", "vvvvf", 'v', (Vec3{hermite(c.v(0).x, c.v(1).x, c.v(2).x, c.v(3).x, c.f(4)), hermite(c.v(0).y, c.v(1).y, c.v(2).y, c.v(3).y, c.f(4)),
                                       hermite(c.v(0).z, c.v(1).z, c.v(2).z, c.v(3).z, c.f(4))})),
 
+    FN("abs", "v", 'v', (Vec3{std::fabs(c.v(0).x), std::fabs(c.v(0).y), std::fabs(c.v(0).z)})),
+    FN("rgb_to_hsv", "v", 'v', hsvOf(c.v(0))),
+    FN("hsv_to_rgb", "v", 'v', rgbOf(c.v(0))),
     FN("mag", "v", 'f', mag(c.v(0))),
     FN("dot", "vv", 'f', dot(c.v(0), c.v(1))),
     FN("dotProduct", "vvi", 'f', c.i(2) ? dot(unit(c.v(0)), unit(c.v(1))) : dot(c.v(0), c.v(1))),

@@ -131,7 +131,10 @@ Value convertTo(Value v, Type t)
     case Type::kFloat:   return Value(v.asFloat());
     case Type::kString:  return Value(v.asString());
     case Type::kVector:  return Value(toVector(v));
-    case Type::kMatrix:  if (none) return Value(command::Matrix()); break;
+    case Type::kMatrix:
+        if (none) return Value(command::Matrix());
+        if (from == Type::kVector) return Value(command::Matrix{1, 3, {v.get<Vec3>().x, v.get<Vec3>().y, v.get<Vec3>().z}});
+        break;
     case Type::kInts:    if (!strings && from != Type::kVectors) return Value(v.asInts()); break;
     case Type::kFloats:  if (!strings) return Value(v.asFloats()); break;
     case Type::kStrings: if (!isArray(from) || v.asFloats()->empty()) return Value(v.asStrings()); break;
