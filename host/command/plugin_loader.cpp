@@ -127,7 +127,7 @@ bool usesType(const Node& node, const Plugin& plugin)
 /// A type that holds a node's attributes without its code.
 NodeType* unknownTypeFor(NodeType* type)
 {
-    static std::unordered_map<NodeType*, NodeType*> made;   // types are kept for ever
+    static auto& made = *new std::unordered_map<NodeType*, NodeType*>;   // types are kept for ever
     NodeType*& unknown = made[type];
     if (unknown)
         return unknown;

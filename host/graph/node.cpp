@@ -13,6 +13,7 @@ struct Types
     std::unordered_map<std::string, NodeType*> byName;
     std::unordered_map<unsigned, NodeType*>    byId;
     std::vector<NodeType*>                     ordered;
+    std::vector<NodeType*>                     retired;   // undo steps and unknown nodes may still need them
     size_t                                     next = 0;
 };
 
@@ -130,6 +131,7 @@ bool deregisterNodeType(NodeType* type)
     all.byName.erase(type->name);
     if (type->id)
         all.byId.erase(type->id);
+    all.retired.push_back(type);
     return true;
 }
 
