@@ -381,12 +381,13 @@ MStatus pointAttributeToArray::compute(const MPlug& plug, MDataBlock& block)
                         &aOutMapCountPP, &aOutMapIdPP, &aOutMapPP, &aOutSharedMapPP, &aOutCount}))   // plug test
         return MS::kUnknownParameter;
 
+    MDataHandle         geometry = block.inputValue(aInGeo);   // pulled even if nothing is switched on
     const auto          isOn = [&](const MObject& attribute) { return block.inputValue(attribute).asBool(); };
     const PointSwitches on = {isOn(aPosition), isOn(aRotation), isOn(aNormal), isOn(aBinormal),
                               isOn(aTangent), isOn(aColor),    isOn(aMap)};
     PointArrays         out;
     if (on.any())                                                                 // work
-        gather(block, on, out);
+        gather(block, geometry, on, out);
 
     out.ids.publish(block, aOutIdPP);                                             // write
     out.positions.publish(block, aOutPosPP);
@@ -403,9 +404,9 @@ MStatus pointAttributeToArray::compute(const MPlug& plug, MDataBlock& block)
     return MS::kSuccess;
 }
 
-void pointAttributeToArray::gather(MDataBlock& block, const PointSwitches& on, PointArrays& out) const
+void pointAttributeToArray::gather(MDataBlock& block, MDataHandle& geometry, const PointSwitches& on,
+                                   PointArrays& out) const
 {
-    MDataHandle         geometry = block.inputValue(aInGeo);
     const MPlug         input(thisMObject(), aInGeo);
     const MFnData::Type kind = geometry.type();
     if (kind == MFnData::kVectorArray)

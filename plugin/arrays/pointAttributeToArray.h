@@ -25,7 +25,7 @@ public:
         aOutMapCountPP, aOutMapIdPP, aOutMapPP, aOutSharedMapPP, aOutCount;
 
 private:
-    void gather(MDataBlock& block, const PointSwitches& on, PointArrays& out) const;
+    void gather(MDataBlock& block, MDataHandle& geometry, const PointSwitches& on, PointArrays& out) const;
     void gatherVectors(MDataBlock& block, const MObject& vectors, PointArrays& out) const;
     /// The set that is read, empty for the current one. A set that the mesh does not have gives a warning, and way to
     /// the current one.

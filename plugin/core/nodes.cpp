@@ -40,9 +40,11 @@ RegistryRow command(const char* name)
 
 const std::vector<RegistryRow>& registry()
 {
+    // the families; display and textures have no node: drawn nodes and textures go by the host's own classifications
     static const MString kGenerators("Mirk/generators"), kModifiers("Mirk/modifiers"), kConverters("Mirk/converters"),
         kDeformers("Mirk/deformers"), kEmitters("Mirk/emitters"), kFields("Mirk/fields"), kHelpers("Mirk/helpers"),
-        kConstraints("Mirk/constraints"), kTexture2d("texture/2d"), kTexture3d("texture/3d");
+        kConstraints("Mirk/constraints"), kDisplay("Mirk/display"), kTextures("Mirk/textures"),
+        kTexture2d("texture/2d"), kTexture3d("texture/3d");
 
     // name, kind, classification; `drawn` names the draw override and has its draw-database string for classification
     static const std::vector<RegistryRow> rows = {

@@ -130,15 +130,39 @@ TEST_F(ArrayToPoint, ThreeDoublesKeepThePresentAlpha)
 
 TEST_F(ArrayToPoint, AFaceTakesTheColourOfItsFirstVertex)
 {
-    plane("arrayToPointAttribute", "setAttr w.colors 1; setAttr w.promoteToFaces 1");
-    connect("inRgbaPP", "c", "doubleArray", 4, "0.1 0.2 0.3 0.4");
-    int first = -1;
-    MObject   data = plug("w.outGeometry").asMObject();
-    MIntArray vertices;
-    MFnMesh(data).getPolygonVertices(0, vertices);
-    first = vertices[0];
-    const float v = 0.1f * float(first + 1);
-    expectColors(std::vector<MColor>(4, MColor(v, v, v, v)));
+    // two quads 0 1 4 3 and 1 2 5 4: the first takes the colour of vertex 0, the second that of vertex 1
+    run("polyPlane -subdivisionsX 2 -subdivisionsY 1 -name p; createNode arrayToPointAttribute -name w;"
+        "connectAttr p.worldMesh[0] w.inGeometry; setAttr w.colors 1; setAttr w.promoteToFaces 1");
+    connect("inRgbaPP", "c", "doubleArray", 6, "0.1 0.2 0.3 0.4 0.5 0.6");
+    const MColor left(0.1f, 0.1f, 0.1f, 0.1f), right(0.2f, 0.2f, 0.2f, 0.2f), mean(0.15f, 0.15f, 0.15f, 0.15f);
+    expectColors({left, mean, right, left, mean, right});
+}
+
+TEST_F(ArrayToPoint, AGroupThatTheGeometryLacksSelectsNothing)
+{
+    for (const char* type : {"arrayToPointAttribute", "arrayToPointColor"}) {
+        run("file -force -new");
+        plane(type, "setAttr w.useComponents 2; setAttr w.groupId 7");
+        if (std::string(type) == "arrayToPointAttribute")
+            run("setAttr w.colors 1");
+        connect("inRgbaPP", "c", "doubleArray", 4, "0.1 0.2 0.3 0.4");
+        Warnings warnings;
+        for (const MColor& color : colors("w.outGeometry"))
+            EXPECT_EQ(color, kUnset) << type;
+        EXPECT_TRUE(warnings.texts.empty()) << type;
+    }
+}
+
+TEST_F(ArrayToPoint, NoPointsNoWarning)
+{
+    run("createNode arrayToPointAttribute -name w; createNode arrayToPointColor -name v; setAttr w.positions 1;"
+        "setAttr w.normals 1; setAttr w.colors 1; connectAttr " + meshSource(0, false) + " w.inGeometry;"
+        "connectAttr meshes.m v.inGeometry; connectAttr " + arraySource("a", "doubleArray", 0, "") + " w.inPositionPP;"
+        "connectAttr arrays.a w.inNormalPP; connectAttr arrays.a w.inRgbaPP; connectAttr arrays.a v.inRgbaPP");
+    Warnings warnings;
+    EXPECT_EQ(points("w.outGeometry").size(), 0u);
+    EXPECT_EQ(points("v.outGeometry").size(), 0u);
+    EXPECT_TRUE(warnings.texts.empty());
 }
 
 TEST_F(ArrayToPoint, CurvesTakePositionsAndNothingElse)

@@ -33,6 +33,13 @@ check(('msv_Mirk' in globals()) == INTERACTIVE, 'scripted tools start in interac
 check(mirk().scriptPath() == DIRECTORY + '/', 'scriptPath ends with a slash')
 check(sys.path[0] == DIRECTORY and sys.path.count(DIRECTORY) == 1, 'the tools directory comes first, and once')
 
+PAINTABLE = ['peak.weights', 'smooth.weights', 'smoothSimple.weights', 'tensionMap.inWeightPP',
+             'rayProject.inWeightPP', 'timeOffset.inWeightPP', 'retarget.inWeightPP', 'morphAssembly.paintMap',
+             'morph.paintWeightMap', 'collide.paintWeightMap']
+check((mc.makePaintable(query=True) or []) == (PAINTABLE if INTERACTIVE else []),
+      'weights are paintable in interactive mode only: %s' % mc.makePaintable(query=True))
+check(not mc.commandEcho(query=True, state=True), 'an echo that was off stays off')
+
 # a directory that is none
 os.environ['MIRK_SCRIPT_PATH'] = DIRECTORY + '/none'
 output = io.StringIO()

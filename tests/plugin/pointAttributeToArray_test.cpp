@@ -1,4 +1,6 @@
 // Points of meshes, curves, surfaces and vector arrays as arrays.
+#include <cmath>
+
 #include "scene.h"
 
 using namespace scene;
@@ -22,6 +24,17 @@ std::vector<MVector> moved(std::vector<MVector> points, const MVector& by)
     for (MVector& p : points)
         p += by;
     return points;
+}
+
+/// Two quads with hard edges, folded along the middle: the left one lies flat, the right one rises by 45 degrees. The
+/// tangents lie at 0 and 45 degrees about z, the binormals are (0, 0, -1).
+///   3 - 4 - 5
+///   0 - 1 - 2
+void foldedPlane(const std::string& settings)
+{
+    run("polyPlane -width 2 -height 2 -subdivisionsX 2 -subdivisionsY 1 -name p; select p.vtx[2] p.vtx[5];"
+        "move -relative 0 1 0; polySoftEdge -angle 0 p; createNode pointAttributeToArray -name r;"
+        "connectAttr p.worldMesh[0] r.inGeometry;" + settings);
 }
 
 const char* const kOutputs[] = {"outIdPP", "outPositionPP", "outRotationPP", "outNormalPP", "outBinormalPP",
@@ -98,18 +111,67 @@ TEST_F(PointAttributeToArray, NormalTangentAndBinormalAreAFrame)
 
 TEST_F(PointAttributeToArray, FaceChoiceSticksAtTheSmallestClamp)
 {
-    // two quads, folded along the middle: the left one lies flat, the right one rises. Vertex 0 has one face, so an
-    // offset of 5 becomes 0 there and stays: the middle vertices take the flat face, not the rising one.
-    //   3 - 4 - 5
-    //   0 - 1 - 2
-    run("polyPlane -width 2 -height 2 -subdivisionsX 2 -subdivisionsY 1 -name p; select p.vtx[2] p.vtx[5];"
-        "move -relative 0 1 0; polySoftEdge -angle 0 p; createNode pointAttributeToArray -name r;"
-        "connectAttr p.worldMesh[0] r.inGeometry; setAttr r.pointNormal 1; setAttr r.averagedNormals 0;"
-        "setAttr r.normalIdOffset 5");
+    // vertex 0 has one face, so an offset of 5 becomes 0 there and stays: the middle vertices take the flat face
+    foldedPlane("setAttr r.pointNormal 1; setAttr r.averagedNormals 0; setAttr r.normalIdOffset 5");
     const std::vector<MVector> n = vectors("r.outNormalPP");
     ASSERT_EQ(n.size(), 6u);
     const MVector flat(0, 1, 0), rising = MVector(-1, 1, 0).normal();
     expectNear(n, {flat, flat, rising, flat, flat, rising}, 1e-5);
+}
+
+TEST_F(PointAttributeToArray, TangentSumsGoOnFromThePointBefore)
+{
+    foldedPlane("setAttr r.pointTangent 1; setAttr r.averagedTangents 0; setAttr r.tangentIdOffset 1");
+    // The offset sticks at 0 at the first point. Each result halves the angle between the one before and the tangent of
+    // the point's first face: 0, 0, 45, 0, 0, 45 degrees.
+    const double degrees[] = {0.0, 0.0, 22.5, 11.25, 5.625, 25.3125};
+    std::vector<MVector> expected;
+    for (const double angle : degrees)
+        expected.emplace_back(std::cos(angle * M_PI / 180.0), std::sin(angle * M_PI / 180.0), 0.0);
+    expectNear(vectors("r.outTangentPP"), expected);
+
+    // averaged, the second point has the sum (1, 0) + (1, 0) + (h, h) with h = sqrt(1/2)
+    run("setAttr r.averagedTangents 1");
+    const MVector second = MVector(2.0 + std::sqrt(0.5), std::sqrt(0.5), 0.0).normal();
+    EXPECT_TRUE(vectors("r.outTangentPP")[1].isEquivalent(second, 1e-6));
+    expectNear({vectors("r.outTangentPP")[2]}, {(second + MVector(1, 1, 0).normal()).normal()});
+}
+
+TEST_F(PointAttributeToArray, RotationTurnsTheTangentRound)
+{
+    foldedPlane("setAttr r.pointRotation 1; setAttr r.pointBinormal 1; setAttr r.rotationOrder 1");
+    // Rows: normal n at 90, 112.5 or 135 degrees about z, binormal (0, 0, -1), tangent n x b. Turning x by -90 takes y to
+    // -z, then z turns x into n. The factor to degrees is a little above 180 / pi.
+    const double k = 57.29582 * M_PI / 180.0;
+    const MVector left(-90 * k, 0, 90 * k), fold(-90 * k, 0, 112.5 * k), right(-90 * k, 0, 135 * k);
+    expectNear(vectors("r.outRotationPP"), {left, fold, right, left, fold, right}, 1e-5);
+    expectNear(vectors("r.outBinormalPP"), std::vector<MVector>(6, MVector(0, 0, -1)));
+    // the tangent left behind points against the face's: at the first point the two cancel, and the face's own serves
+    run("setAttr r.pointTangent 1");
+    expectNear({vectors("r.outTangentPP")[0]}, {MVector(1, 0, 0)});
+}
+
+TEST_F(PointAttributeToArray, PointsWithoutFaces)
+{
+    run("createNode pointAttributeToArray -name r; connectAttr " + meshSource(4, true) + " r.inGeometry;"
+        "setAttr r.pointPosition 1; setAttr r.pointNormal 1; setAttr r.averagedNormals 0; setAttr r.pointTangent 1;"
+        "setAttr r.pointRotation 1; setAttr r.pointColor 1; setAttr r.mapData 1");
+    EXPECT_EQ(vectors("r.outPositionPP").size(), 4u);
+    EXPECT_EQ(doubles("r.outRgbaPP"), std::vector<double>(16, 0.0));
+    EXPECT_EQ(doubles("r.outMapCountPP").size(), 0u);   // no UVs, no entry
+    // without UVs there is no tangent; the point without faces takes +Y for the vanished sum
+    run("setAttr r.pointRotation 0");
+    expectNear(vectors("r.outTangentPP"), {{0, 0, 0}, {0, 0, 0}, {0, 0, 0}, {0, 1, 0}});
+    expectNear(vectors("r.outNormalPP"), std::vector<MVector>(4, MVector(0, 0, 1)));   // keeps the one before
+}
+
+TEST_F(PointAttributeToArray, NoPointsAtAll)
+{
+    run("createNode pointAttributeToArray -name r; connectAttr " + meshSource(0, false) + " r.inGeometry;"
+        "setAttr r.pointPosition 1; setAttr r.pointNormal 1; setAttr r.pointRotation 1; setAttr r.mapData 1;"
+        "setAttr r.pointColor 1");
+    for (const char* output : kOutputs)
+        EXPECT_EQ(lengthOf(std::string("r.") + output), 0u) << output;
 }
 
 TEST_F(PointAttributeToArray, SubsetPrunedOrHeldWithZeros)
@@ -117,9 +179,8 @@ TEST_F(PointAttributeToArray, SubsetPrunedOrHeldWithZeros)
     cube("setAttr r.pointPosition 1; setAttr r.pointRotation 1; setAttr r.pointColor 1; setAttr r.mapData 1;"
          "setAttr r.coordinateSystem 1; setAttr r.useComponents 1;"
          "createNode network -name g; addAttr -longName ic -dataType \"componentList\" g;"
-         "setAttr g.ic -type \"componentList\" 2 \"vtx[2]\" \"vtx[5]\"; connectAttr g.ic r.inComponents");
-    const std::size_t pruned = vectors("r.outPositionPP").size();
-    EXPECT_TRUE(pruned == 1 || pruned == 2);   // only the first component of the list counts
+         "setAttr g.ic -type \"componentList\" 2 \"f[1]\" \"vtx[2]\"; connectAttr g.ic r.inComponents");
+    EXPECT_EQ(vectors("r.outPositionPP").size(), 0u);   // only the first component of the list counts, and it is a face
     run("setAttr g.ic -type \"componentList\" 1 \"vtx[2:3]\"");
     expectNear(vectors("r.outPositionPP"), {kCube[2], kCube[3]});
     EXPECT_EQ(doubles("r.outIdPP"), (std::vector<double>{2, 3}));
@@ -190,10 +251,33 @@ TEST_F(PointAttributeToArray, CurvePointsAndTheirIds)
     expectNear(vectors("r.outPositionPP"), {{0, 0, 0}, {1, 2, 0}, {3, 3, 0}, {5, 2, 0}, {6, 0, 0}}, 1e-4);
     EXPECT_EQ(doubles("r.outIdPP"), (std::vector<double>{0, 0, 1, 1, 2}));
     EXPECT_EQ(vectors("r.outNormalPP").size(), 5u);
-    MDoubleArray unused;
-    int          left = -1;
+    run("setAttr r.useComponents 1; setAttr r.prune 0; createNode network -name g;"
+        "addAttr -longName ic -dataType \"componentList\" g; setAttr g.ic -type \"componentList\" 1 \"cv[3]\";"
+        "connectAttr g.ic r.inComponents");
+    const MVector none(0, 0, 0);
+    expectNear(vectors("r.outPositionPP"), {none, none, none, {5, 2, 0}, none}, 1e-4);
+    EXPECT_EQ(doubles("r.outIdPP"), (std::vector<double>{0, 0, 1, 1, 2}));
+    int left = -1;
     MGlobal::executeCommand("size(`ls -type rebuildCurve -type extrude -type nurbsTessellate`)", left);
     EXPECT_EQ(left, 0);   // the temporary nodes are gone
+}
+
+TEST_F(PointAttributeToArray, TemporaryNodesComeAndGoInOrder)
+{
+    run("curve -degree 1 -point 0 0 0 -point 1 0 0 -name k; createNode pointAttributeToArray -name r;"
+        "connectAttr k.worldSpace[0] r.inGeometry; setAttr r.pointPosition 1; commandEcho -state on");
+    Warnings echoed(mirk::message::kEcho);
+    EXPECT_EQ(vectors("r.outPositionPP").size(), 2u);
+    run("commandEcho -state off");
+    std::string verbs;
+    for (const std::string& text : echoed.texts)
+        verbs += text.substr(0, text.find(' ')) + " ";
+    EXPECT_EQ(verbs.substr(0, verbs.find("commandEcho")),
+              "createNode setAttr setAttr connectAttr createNode setAttr connectAttr "
+              "createNode setAttr setAttr setAttr connectAttr delete ");
+    const std::string last = echoed.texts.size() > 12 ? echoed.texts[12] : "";
+    EXPECT_LT(last.find("extrude"), last.find("nurbsTessellate")) << last;
+    EXPECT_LT(last.find("nurbsTessellate"), last.find("rebuildCurve")) << last;
 }
 
 TEST_F(PointAttributeToArray, SurfaceHasTwoIdsAPoint)
@@ -208,7 +292,11 @@ TEST_F(PointAttributeToArray, SurfaceHasTwoIdsAPoint)
         EXPECT_EQ(ids[2 * k], k / 4);
         EXPECT_EQ(ids[2 * k + 1], k % 4);
     }
-    run("sphere -name ball; connectAttr -force ball.worldSpace[0] r.inGeometry");
+    run("setAttr r.useComponents 1; createNode network -name g; addAttr -longName ic -dataType \"componentList\" g;"
+        "setAttr g.ic -type \"componentList\" 1 \"cv[2][1:2]\"; connectAttr g.ic r.inComponents");
+    EXPECT_EQ(doubles("r.outIdPP"), (std::vector<double>{2, 1, 2, 2}));
+    EXPECT_EQ(vectors("r.outPositionPP").size(), 2u);
+    run("setAttr r.useComponents 0; sphere -name ball; connectAttr -force ball.worldSpace[0] r.inGeometry");
     Warnings warnings;
     EXPECT_EQ(vectors("r.outPositionPP").size(), 0u);
     ASSERT_EQ(warnings.texts.size(), 1u);
@@ -227,4 +315,9 @@ TEST_F(PointAttributeToArray, VectorArrayByIndices)
     run("connectAttr " + arraySource("i", "Int32Array", 3, "0 7 2") + " r.inComponents");
     expectNear(vectors("r.outPositionPP"), {{0, 0, 0}, {2, 2, 2}});
     EXPECT_EQ(plug("r.outCount").asInt(), 2);
+    run("setAttr r.useComponents 2");
+    Warnings warnings;
+    EXPECT_EQ(vectors("r.outPositionPP").size(), 0u);
+    ASSERT_EQ(warnings.texts.size(), 1u);
+    EXPECT_EQ(warnings.texts[0], "r: Object groups are not supported for particles. Use components list instead.");
 }

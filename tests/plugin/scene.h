@@ -5,9 +5,11 @@
 #include <maya/MDoubleArray.h>
 #include <maya/MFnDoubleArrayData.h>
 #include <maya/MFnMesh.h>
+#include <maya/MFnMeshData.h>
 #include <maya/MFnNurbsCurve.h>
 #include <maya/MFnVectorArrayData.h>
 #include <maya/MGlobal.h>
+#include <maya/MIntArray.h>
 #include <maya/MPlug.h>
 #include <maya/MPoint.h>
 #include <maya/MPointArray.h>
@@ -104,14 +106,33 @@ inline std::string arraySource(const std::string& attribute, const std::string& 
     return "arrays." + attribute;
 }
 
-/// What is warned while it lives.
+/// A mesh of one triangle over the first three of `pointCount` points, or of points alone, as a source of connections.
+inline std::string meshSource(int pointCount, bool triangle)
+{
+    MFnMeshData data;
+    MObject     owner = data.create();
+    MPointArray points;
+    for (int i = 0; i < pointCount; ++i)
+        points.append(MPoint(i % 2, i / 2, 0.0));
+    const MIntArray counts(triangle ? 1u : 0u, 3);
+    MIntArray       corners;
+    for (int i = 0; triangle && i < 3; ++i)
+        corners.append(i);
+    MFnMesh().create(pointCount, static_cast<int>(counts.length()), points, counts, corners, owner);
+    run("createNode network -name meshes; addAttr -longName m -dataType \"mesh\" meshes");
+    EXPECT_TRUE(plug("meshes.m").setMObject(owner));
+    return "meshes.m";
+}
+
+/// Messages of one kind while it lives: warnings, or what else it is told to keep.
 class Warnings
 {
 public:
-    Warnings() : sink_(mirk::message::addSink([this](mirk::message::Kind kind, const std::string& text) {
-        if (kind == mirk::message::kWarning)
-            texts.push_back(text);
-    })) {}
+    explicit Warnings(mirk::message::Kind kept = mirk::message::kWarning)
+        : sink_(mirk::message::addSink([this, kept](mirk::message::Kind kind, const std::string& text) {
+              if (kind == kept)
+                  texts.push_back(text);
+          })) {}
     ~Warnings() { mirk::message::removeSink(sink_); }
 
     std::vector<std::string> texts;
