@@ -5,9 +5,22 @@
 
 #include "command/attr_value.h"
 #include "dag/component_text.h"
+#include "dag/dag.h"
 #include "graph/evaluate.h"
 
 namespace mirk::command {
+
+std::string enumFields(const Attribute& attr)
+{
+    std::string out;
+    int         next = 0;
+    for (const auto& [name, value] : attr.fields)
+    {
+        out += (out.empty() ? "" : ":") + name + (value == next ? "" : "=" + std::to_string(value));
+        next = value + 1;
+    }
+    return out;
+}
 
 namespace {
 
@@ -139,6 +152,9 @@ Value readPlug(Cell& cell, Call& call)
     const Attribute& a = *cell.attr;
     if (a.kind == AttrKind::kMessage)
         fail("Message attributes have no data values: " + plugText(cell));
+    if (cell.isMulti() && a.is(Attribute::kWorldSpace) && cell.node->dag)   // one element a path, asked for or not
+        for (size_t i = 0; i < dag::allPaths(*cell.node).size(); ++i)
+            cell.element(int(i));
     if (cell.isMulti() || (a.isCompound() && !a.isTuple()) || a.isTuple())
         eval::pullDeep(cell);
     eval::pull(cell);

@@ -20,4 +20,7 @@ void writeNumbers(Cell& cell, Arguments& args, bool clamp);
 /// Numbers one value of the attribute takes: 1, 2, 3, 4 or 16; 0 for data.
 size_t numbersOf(const Attribute& attr);
 
+/// An enum's fields as "a:b=5:c"; numbers run on where none is written.
+std::string enumFields(const Attribute& attr);
+
 }  // namespace mirk::command

@@ -293,12 +293,7 @@ Value queryAttribute(Call& call, const Attribute& a)
     if (call.has("parent"))
         return Value(a.parent ? a.parent->longName : a.longName);
     if (call.has("enumName"))
-    {
-        std::string fields;
-        for (const auto& [name, value] : a.fields)
-            fields += (fields.empty() ? "" : ":") + name;
-        return Value(fields);
-    }
+        return Value(enumFields(a));
     fail("addAttr: a flag that says what to ask has to be given");
 }
 

@@ -42,8 +42,8 @@ private:
         const std::string l = longPath + a.longName, s = shortPath + a.shortName;
         if (wanted(a))
             out.push_back(call_.has("shortNames") ? s : l);
-        // children of multis are listed under their multi; tuples' children by their own names
-        const bool prefix = a.isArray() || !a.isTuple();
+        // children of multis are listed under their multi, others by their own names
+        const bool prefix = a.isArray() || !longPath.empty();
         if (!a.isArray() || call_.has("multi") || a.isCompound())
             for (const auto& c : a.children)
                 visit(*c, prefix ? l + "." : longPath, prefix ? s + "." : shortPath);
@@ -100,13 +100,13 @@ Value listAttr(Call& call)
 }
 
 constexpr Flag kAttributeQuery[] = {
-    {"afd", "affectsAppearance"}, {"at", "attributeType"}, {"ca", "cachedInternally"}, {"ch", "channelBox"}, {"ct", "categories"}, {"e", "exists"}, {"en", "enum"},
-    {"h", "hidden"}, {"i", "internal"}, {"ic", "internalGet"}, {"im", "indexMatters"}, {"k", "keyable"}, {"lc", "listChildren"}, {"le", "listEnum"},
+    {"aa", "affectsAppearance"}, {"at", "attributeType"}, {"ci", "cachedInternally"}, {"ch", "channelBox"}, {"ct", "categories"}, {"ex", "exists"}, {"en", "enum"},
+    {"h", "hidden"}, {"i", "internal"}, {"ig", "internalGet"}, {"is", "internalSet"}, {"im", "indexMatters"}, {"k", "keyable"}, {"lc", "listChildren"}, {"le", "listEnum"},
     {"ld", "listDefault"}, {"lp", "listParent"}, {"ls", "listSiblings"}, {"ln", "longName"}, {"m", "multi"}, {"max", "maximum"}, {"min", "minimum"},
     {"mxe", "maxExists"}, {"mne", "minExists"}, {"n", "node", "s"}, {"nc", "numberOfChildren"}, {"nn", "niceName"}, {"r", "range"}, {"re", "rangeExists"},
-    {"rd", "readable"}, {"s", "storable"}, {"sr", "softRange"}, {"sre", "softRangeExists"}, {"smx", "softMax"}, {"smn", "softMin"}, {"sxe", "softMaxExists"}, {"sme", "softMinExists"},
+    {"rd", "readable"}, {"st", "storable"}, {"s", "softRange"}, {"se", "softRangeExists"}, {"smx", "softMax"}, {"smn", "softMin"}, {"sxe", "softMaxExists"}, {"sme", "softMinExists"},
     {"sn", "shortName"}, {"typ", "type", "s"}, {"uac", "usedAsColor"}, {"uaf", "usedAsFilename"}, {"w", "writable"}, {"ws", "worldSpace"}, {"c", "connectable"},
-    {"msg", "message"}, {"ae", "affectsWorldspace"}, {"rdr", "renderSource"}, {"uad", "usesMultiBuilder"},
+    {"msg", "message"}, {"aws", "affectsWorldspace"}, {"rs", "renderSource"}, {"umb", "usesMultiBuilder"},
 };
 
 std::string niceName(const Attribute& a)
@@ -163,7 +163,7 @@ Value attributeQuery(Call& call)
     using A = Attribute;
     const struct { const char* flag; bool is; } facts[] = {
         {"affectsAppearance", a.is(A::kAffectsAppearance)}, {"cachedInternally", a.is(A::kCached)}, {"channelBox", a.is(A::kChannelBox)}, {"connectable", a.is(A::kConnectable)},
-        {"enum", a.kind == AttrKind::kEnum}, {"hidden", a.is(A::kHidden)}, {"internal", a.is(A::kInternal)}, {"internalGet", a.is(A::kInternal)}, {"indexMatters", a.is(A::kIndexMatters)},
+        {"enum", a.kind == AttrKind::kEnum}, {"hidden", a.is(A::kHidden)}, {"internal", a.is(A::kInternal)}, {"internalGet", a.is(A::kInternal)}, {"internalSet", a.is(A::kInternal)}, {"indexMatters", a.is(A::kIndexMatters)},
         {"keyable", a.is(A::kKeyable)}, {"message", a.kind == AttrKind::kMessage}, {"multi", a.isArray()}, {"readable", a.is(A::kReadable)}, {"writable", a.is(A::kWritable)},
         {"storable", a.is(A::kStorable)}, {"usedAsColor", a.is(A::kUsedAsColor)}, {"usedAsFilename", a.is(A::kUsedAsFilename)}, {"worldSpace", a.is(A::kWorldSpace)},
         {"affectsWorldspace", a.is(A::kWorldSpace)}, {"renderSource", a.is(A::kRenderSource)}, {"usesMultiBuilder", a.is(A::kUsesBuilder)}, {"maxExists", (a.limits & A::kMax) != 0},
@@ -212,16 +212,7 @@ Value attributeQuery(Call& call)
                 list.push_back(c->longName);
     }
     else if (call.has("listEnum"))
-    {
-        std::string fields;
-        int         next = 0;
-        for (const auto& [name, value] : a.fields)
-        {
-            fields += (fields.empty() ? "" : ":") + name + (value == next ? "" : "=" + std::to_string(value));
-            next = value + 1;
-        }
-        list.push_back(fields);
-    }
+        list.push_back(enumFields(a));
     return list.empty() ? Value() : Value(list);
 }
 

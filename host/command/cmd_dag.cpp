@@ -172,8 +172,8 @@ public:
             for (Node* child : std::vector<Node*>(from.dag->children))
             {
                 std::string childName = child->name;
-                if (isShape(*child) && child->name == from.name + "Shape")
-                    childName = to->name + "Shape";
+                if (isShape(*child) && (child->name == from.name + "Shape" || child->name == shapeName(from.name)))
+                    childName = shapeName(to->name);
                 else if (call_.has("renameChildren"))
                     childName = edit::freeName(child->name);
                 copy(*child, to, childName, false);

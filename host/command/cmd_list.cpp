@@ -1,4 +1,7 @@
 // ls and listRelatives.
+#include <maya/MString.h>
+#include <maya/MUuid.h>
+
 #include "command/attr_value.h"
 #include "command/cmd_util.h"
 #include "data/component.h"
@@ -17,6 +20,18 @@ constexpr Flag kLs[] = {
     {"sn", "shortNames"}, {"st", "showType"}, {"tex", "textures"}, {"tr", "transforms"}, {"typ", "type", "s", kCreate, true},
     {"ud", "undeletable"}, {"uid", "uuid"}, {"v", "visible"},
 };
+
+/// Nodes get theirs when somebody first asks.
+std::string uuidOf(Node& node)
+{
+    if (node.uuid.empty())
+    {
+        MUuid fresh;
+        fresh.generate();
+        node.uuid = fresh.asString().asChar();
+    }
+    return node.uuid;
+}
 
 bool visible(const Path& path)
 {
@@ -44,7 +59,10 @@ public:
         {
             for (const std::string& name : call_.names())
                 for (Item& item : tolerant(name))
-                    items.push_back(std::move(item));
+                    if (call_.has("allPaths") && item.node->dag && !item.plug && !item.component)
+                        addPaths(*item.node, items);
+                    else
+                        items.push_back(std::move(item));
             if (call_.has("selection"))
             {
                 const auto& selected = selection::get();
@@ -106,7 +124,7 @@ public:
     void print(const Item& item, Strings& out) const
     {
         if (call_.has("uuid"))
-            return out.push_back(nodeOf(item)->uuid);
+            return out.push_back(uuidOf(*nodeOf(item)));
         Item bare = item;
         if (call_.has("objectsOnly"))
             bare.plug = nullptr, bare.component = {};

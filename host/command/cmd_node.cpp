@@ -2,6 +2,7 @@
 #include "command/cmd_util.h"
 #include "command/message.h"
 #include "command/shape_edit.h"
+#include "data/mobject.h"
 #include "graph/evaluate.h"
 #include "io/scene_file.h"
 #include "graph/undo.h"
@@ -143,6 +144,19 @@ Value deleteObjects(Call& call)
     return {};
 }
 
+/// What node names cannot hold becomes '_'; digits in front are dropped. A '#' at the end asks for a number.
+std::string legalName(std::string name)
+{
+    const bool numbered = !name.empty() && name.back() == '#';
+    name.erase(0, std::min(name.find_first_not_of("0123456789"), name.size()));
+    while (!name.empty() && name.back() == '#')
+        name.pop_back();
+    for (char& c : name)
+        if (!std::isalnum(static_cast<unsigned char>(c)) && c != '_' && c != ':')
+            c = '_';
+    return numbered && !name.empty() ? name + '#' : name;
+}
+
 constexpr Flag kRename[] = {{"is", "ignoreShape"}, {"uid", "uuid"}};
 
 Value renameNode(Call& call)
@@ -168,23 +182,17 @@ Value renameNode(Call& call)
         name.erase(0, bar + 1);
     if (node->isDefault || node->locked)
         fail("Cannot rename the " + std::string(node->isDefault ? "default" : "locked") + " node '" + nodeName(*node) + "'");
-    const std::string plain = name.substr(0, name.find('#'));
-    if (plain.empty() || !edit::validName(plain))
+    name = legalName(name);
+    if (name.empty())
         fail("New name has no legal characters: " + args.back());
-    std::vector<std::pair<Node*, std::string>> follow;   // a shape that has its transform's name goes along
+    std::vector<Node*> follow;   // a shape that has its transform's name goes along
     if (!call.has("ignoreShape") && isTransform(*node))
         for (Node* shape : shapesOf(*node))
             if (shape->name.find("Shape") != std::string::npos)
-                follow.emplace_back(shape, "");
+                follow.push_back(shape);
     dag::renameNode(*node, name);
-    for (auto& [shape, unused] : follow)
-    {
-        std::string base = node->name;
-        size_t      digits = base.size();
-        while (digits > 0 && std::isdigit(static_cast<unsigned char>(base[digits - 1])))
-            --digits;
-        dag::renameNode(*shape, base.substr(0, digits) + "Shape" + base.substr(digits));
-    }
+    for (Node* shape : follow)
+        dag::renameNode(*shape, shapeName(node->name));
     return Value(nodeName(*node));
 }
 
@@ -228,6 +236,8 @@ Value nodeType(Call& call)
     else
         type = oneNode(args[0]).type;
     Strings out;
+    if (call.has("apiType"))
+        return Value(std::string(apiTypeName(type->apiType)));
     if (call.has("inherited"))
     {
         for (NodeType* t = type; t; t = t->base)

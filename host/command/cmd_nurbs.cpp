@@ -136,7 +136,7 @@ Value curve(Call& call)
         fail("curve -replace: no curve is given");
     }
     Node* transform = dag::createNode(findNodeType("transform"), call.str("name", "curve#"));
-    Node* shape = dag::createNode(findNodeType("nurbsCurve"), call.has("name") ? transform->name + "Shape" : "curveShape" + transform->name.substr(5), transform);
+    Node* shape = dag::createNode(findNodeType("nurbsCurve"), shapeName(transform->name), transform);
     edit::setData(*shape->cell(shape->findAttribute("cached")), data);
     selection::set({itemOf(*transform)});
     return Value(nodeName(*transform));
@@ -169,7 +169,7 @@ Value surface(Call& call)
     if (!why.empty())
         fail("surface: " + why);
     Node* transform = dag::createNode(findNodeType("transform"), call.str("name", "surface#"));
-    Node* shape = dag::createNode(findNodeType("nurbsSurface"), transform->name + "Shape", transform);
+    Node* shape = dag::createNode(findNodeType("nurbsSurface"), shapeName(transform->name), transform);
     edit::setData(*shape->cell(shape->findAttribute("cached")), data);
     selection::set({itemOf(*transform)});
     return Value(nodeName(*transform));

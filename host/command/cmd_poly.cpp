@@ -84,7 +84,7 @@ Value createFacet(Call& call)
     data->body->writeUVSet(0).uvs = uvs;
     data->body->assignUVs(0, make<Buffer<int>>(connects.data(), connects.size()));
     Node* transform = dag::createNode(findNodeType("transform"), call.str("name", "polySurface#"));
-    Node* shape = dag::createNode(findNodeType("mesh"), transform->name + "Shape", transform);
+    Node* shape = dag::createNode(findNodeType("mesh"), shapeName(transform->name), transform);
     setGeometry(*shape, data);
     selection::set({itemOf(*transform)});
     return Value(Strings{nodeName(*transform)});

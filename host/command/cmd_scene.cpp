@@ -80,7 +80,7 @@ std::vector<Ref<Node>> addMeshes(const std::vector<NamedMesh>& meshes, const std
     for (const NamedMesh& m : meshes)
     {
         Node* transform = dag::createNode(findNodeType("transform"), nodeNameFrom(m.name, path));
-        Node* shape = dag::createNode(findNodeType("mesh"), transform->name + "Shape", transform);
+        Node* shape = dag::createNode(findNodeType("mesh"), shapeName(transform->name), transform);
         setGeometry(*shape, make<MeshData>(m.body));
         out.emplace_back(transform);
         out.emplace_back(shape);
@@ -148,7 +148,12 @@ Value importFile(Call& call, const std::string& path)
         selection::set(items);
     }
     else
-        made = io::importScene(path);
+    {
+        std::string prefix = call.has("namespace") ? call.str("namespace") + ":" : call.has("renamingPrefix") ? call.str("renamingPrefix") + "_" : "";
+        if (!prefix.empty() && !edit::validName(prefix))
+            fail("'" + prefix + "' is no name that nodes could begin with");
+        made = io::importScene(path, {prefix, call.has("namespace") || call.boolean("renameAll")});
+    }
     if (!call.has("returnNewNodes"))
         return Value(path);
     Strings names;
@@ -205,10 +210,10 @@ Value openFile(Call& call, const std::string& path)
 Value query(Call& call, const Strings& names)
 {
     const std::string& scenePath = scene().fileName;
-    if (call.has("sceneName") || call.has("location"))
-        return Value(scenePath.empty() && call.has("location") ? "unknown" : scenePath);
     if (call.has("shortName"))
         return Value(fs::path(scenePath).filename().string());
+    if (call.has("sceneName") || call.has("location"))
+        return Value(scenePath.empty() && call.has("location") ? "unknown" : scenePath);
     if (call.has("type"))
         return Value(Strings{"mayaAscii"});
     if (call.has("list"))

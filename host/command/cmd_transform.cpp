@@ -1,5 +1,6 @@
 // xform, move, rotate, scale: of transforms and of points.
 #include <cmath>
+#include <cstring>
 
 #include <maya/MAngle.h>
 #include <maya/MDistance.h>
@@ -11,6 +12,7 @@
 #include "command/cmd_util.h"
 #include "command/shape_edit.h"
 #include "command/transform_edit.h"
+#include "command/value_text.h"
 #include "graph/evaluate.h"
 #include "nodes/shape_box.h"
 
@@ -434,6 +436,37 @@ struct Given
     std::vector<Item> items;
 };
 
+/// A number, or text with a unit ("45deg", "2m") in the user's unit.
+double numberWithUnit(const Value& v)
+{
+    Arguments one({v});
+    bool      plain = v.kind() != Value::kString;
+    if (!plain)
+    {
+        const std::string text = v.get<std::string>();
+        const size_t      unitAt = std::min(text.find_first_not_of("0123456789.+-eE"), text.size());
+        const std::string unit = text.substr(unitAt);
+        const double      number = leadingNumber(text, &plain);
+        const struct { const char* name; double radians, centimetres; } units[] = {
+            {"deg", M_PI / 180, 0}, {"rad", 1, 0}, {"mm", 0, 0.1}, {"cm", 0, 1}, {"m", 0, 100}, {"km", 0, 100000}, {"in", 0, 2.54}, {"ft", 0, 30.48}, {"yd", 0, 91.44}};
+        for (const auto& u : units)
+            if (unitAt > 0 && unit == u.name)
+                return u.radians != 0 ? MAngle(number * u.radians, MAngle::kRadians).as(MAngle::uiUnit())
+                                      : MDistance(number * u.centimetres, MDistance::kCentimeters).as(MDistance::uiUnit());
+    }
+    return one.number();
+}
+
+/// True if an axis is named, alone or together with others ("moveXZ").
+bool namesAxis(const Call& call, const char* axes[3], unsigned k)
+{
+    const std::string stem = std::string(axes[0]).substr(0, std::strlen(axes[0]) - 1);
+    for (const char* letters : {"X", "Y", "Z", "XY", "XZ", "YZ", "XYZ"})
+        if (std::strchr(letters, "XYZ"[k]) && call.has(stem + letters))
+            return true;
+    return false;
+}
+
 Given given(const Call& call, const char* axes[3], double rest)
 {
     Given g;
@@ -442,10 +475,9 @@ Given given(const Call& call, const char* axes[3], double rest)
     for (; i < call.args.size() && numbers.size() < 3; ++i)
         if (call.args[i].kind() == Value::kString)
         {
-            Arguments one({call.args[i]});
             try
             {
-                numbers.push_back(one.number());
+                numbers.push_back(numberWithUnit(call.args[i]));
             }
             catch (const Error&)
             {
@@ -455,14 +487,14 @@ Given given(const Call& call, const char* axes[3], double rest)
         else
             for (double d : numbersIn(call.args[i]))
                 numbers.push_back(d);
-    const bool any = call.has(axes[0]) || call.has(axes[1]) || call.has(axes[2]);
+    const bool any = namesAxis(call, axes, 0) || namesAxis(call, axes, 1) || namesAxis(call, axes, 2);
     g.value = MVector(rest, rest, rest);
     if (any)
     {
         size_t next = 0;
         for (unsigned k = 0; k < 3; ++k)
         {
-            g.axis[k] = call.has(axes[k]);
+            g.axis[k] = namesAxis(call, axes, k);
             if (!g.axis[k])
                 continue;
             if (numbers.empty())
@@ -535,7 +567,7 @@ Value move(Call& call)
 }
 
 constexpr Flag kRotate[] = {
-    {"a", "absolute"}, {"r", "relative"}, {"x", "rotateX"}, {"y", "rotateY"}, {"z", "rotateZ"}, {"xyz", "rotateXYZ"}, {"os", "objectSpace"}, {"ws", "worldSpace"},
+    {"a", "absolute"}, {"r", "relative"}, {"x", "rotateX"}, {"y", "rotateY"}, {"z", "rotateZ"}, {"xy", "rotateXY"}, {"xz", "rotateXZ"}, {"yz", "rotateYZ"}, {"xyz", "rotateXYZ"}, {"os", "objectSpace"}, {"ws", "worldSpace"},
     {"eu", "euler"}, {"fo", "forceOrderXYZ"}, {"p", "pivot", "lll"}, {"cp", "centerPivot"}, {"pcp", "preserveChildPosition", "b"},
 };
 
@@ -572,7 +604,7 @@ Value rotate(Call& call)
 }
 
 constexpr Flag kScale[] = {
-    {"a", "absolute"}, {"r", "relative"}, {"x", "scaleX"}, {"y", "scaleY"}, {"z", "scaleZ"}, {"xyz", "scaleXYZ"}, {"os", "objectSpace"}, {"ls", "localSpace"}, {"ws", "worldSpace"},
+    {"a", "absolute"}, {"r", "relative"}, {"x", "scaleX"}, {"y", "scaleY"}, {"z", "scaleZ"}, {"xy", "scaleXY"}, {"xz", "scaleXZ"}, {"yz", "scaleYZ"}, {"xyz", "scaleXYZ"}, {"os", "objectSpace"}, {"ls", "localSpace"}, {"ws", "worldSpace"},
     {"p", "pivot", "lll"}, {"cp", "centerPivot"}, {"pcp", "preserveChildPosition", "b"},
 };
 

@@ -190,6 +190,14 @@ std::string itemName(const Item& item, bool fullPath)
 
 std::string plugText(const Cell& cell, bool fullPath) { return nodeName(*cell.node, fullPath) + "." + plugPath(cell); }
 
+std::string shapeName(const std::string& transform)
+{
+    size_t digits = transform.size();
+    while (digits > 0 && std::isdigit(static_cast<unsigned char>(transform[digits - 1])))
+        --digits;
+    return transform.substr(0, digits) + "Shape" + transform.substr(digits);
+}
+
 bool isShape(const Node& node) { return node.dag && node.type->shape; }
 bool isTransform(const Node& node) { return node.dag && !node.type->shape; }
 bool isA(const Node& node, const std::string& type) { return node.type->isA(type); }

@@ -33,6 +33,7 @@ std::string plugText(const Cell& cell, bool fullPath = false);
 /// The shapes below a transform, or the node itself if it is a shape. Intermediate ones are left out.
 std::vector<Node*> shapesOf(Node& node);
 Node*       transformOf(Node& node);       ///< of a shape its first parent, a transform itself, null for others
+std::string shapeName(const std::string& transform);   ///< "pCube1" gives "pCubeShape1"
 bool        isShape(const Node& node);
 bool        isTransform(const Node& node);
 bool        isA(const Node& node, const std::string& type);

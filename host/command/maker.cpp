@@ -97,11 +97,7 @@ Value runMaker(Call& call, const Maker& maker)
     if (!object)
         return Value(Strings{nodeName(*node)});
     Node* transform = dag::createNode(findNodeType("transform"), call.str("name", maker.transformName));
-    std::string base = transform->name;
-    size_t digits = base.size();
-    while (digits > 0 && std::isdigit(static_cast<unsigned char>(base[digits - 1])))
-        --digits;
-    Node* shape = dag::createNode(findNodeType(maker.shapeType), base.substr(0, digits) + "Shape" + base.substr(digits), transform);
+    Node* shape = dag::createNode(findNodeType(maker.shapeType), shapeName(transform->name), transform);
     Cell& output = *node->cell(node->findAttribute(maker.output));
     Cell& input = *shape->cell(shape->findAttribute(maker.input));
     edit::connect(output, input);

@@ -323,8 +323,15 @@ Call parseKeywords(const Command& command, std::span<const Value> args, std::spa
         return call;
     }
     for (const Keyword& k : keywords)
-        if (int mode = modeFlag(command, k.name); mode && k.value.asBool())
-            call.mode = Mode(mode);
+        if (int mode = modeFlag(command, k.name))
+        {
+            // query='x' is query=True with 'x' as the object
+            const bool object = k.value.kind() == Value::kString && !isBooleanWord(k.value.get<std::string>());
+            if (object)
+                call.args.push_back(k.value);
+            if (object || k.value.asBool())
+                call.mode = Mode(mode);
+        }
     for (const Keyword& k : keywords)
         if (!modeFlag(command, k.name))
             keyword(call, k);

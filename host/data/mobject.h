@@ -20,6 +20,8 @@ struct ObjectAccess
     static Object* get(const MObject& handle) noexcept { return handle.object_; }
 };
 
+const char* apiTypeName(MFn::Type type);   ///< "kMesh"
+
 inline MObject wrap(Object* object) noexcept { return ObjectAccess::wrap(object); }
 template <class T>
 MObject wrap(const Ref<T>& object) noexcept { return ObjectAccess::wrap(object.get()); }

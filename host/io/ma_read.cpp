@@ -22,6 +22,8 @@ namespace {
 struct Reading
 {
     bool import = false;
+    bool prefixAll = false;
+    bool missingSelected = false;   ///< the statements that follow set up a default node that is missing here
     std::string                                  prefix;
     std::unordered_map<std::string, std::string> names;
     std::set<std::string>                        warned;
@@ -276,6 +278,34 @@ bool keepForeign(const Statements& st, const std::string& name)
     return false;
 }
 
+/// True for ":name" or ":name.plug" of a default node that this host does without, render settings and the like.
+bool isMissingDefault(const Value& word)
+{
+    if (word.kind() != Value::kString)
+        return false;
+    const std::string& s = word.get<std::string>();
+    return s.size() > 1 && s[0] == ':' && command::resolveItems(s.substr(0, s.find('.'))).empty();
+}
+
+/// Settings of missing default nodes, and connections with them: kept, the latter as long as the other node lives.
+bool keepMissingDefault(const Statements& st, const std::string& name)
+{
+    const bool missing = std::any_of(st.words.begin() + 1, st.words.end(), isMissingDefault);
+    if (name == "select" || name == "createNode")
+        g_reading->missingSelected = name == "select" && missing;
+    const bool setting = g_reading->missingSelected && name != "createNode" && name != "connectAttr" &&
+                         (name == "select" || plugOf(st.words).compare(0, 1, ".") == 0 || name == "addAttr");
+    if (!setting && !(missing && (name == "connectAttr" || name == "setAttr" || name == "disconnectAttr")))
+        return false;
+    Node* other = nullptr;
+    if (!setting)
+        for (size_t i = 1; i < st.words.size() && !other; ++i)
+            if (std::string path; st.words[i].kind() == Value::kString && !isMissingDefault(st.words[i]))
+                other = plugNode(st.words[i].get<std::string>(), path);
+    fileData().foreign.push_back({Ref<Node>(other), st.raw});
+    return true;
+}
+
 void runStatement(const Statements& st)
 {
     if (st.words.empty())
@@ -286,7 +316,7 @@ void runStatement(const Statements& st)
         mel::execute(st.raw + ";", "scene file");
         return;
     }
-    if (keepForeign(st, name) || keepUnknown(st, name))
+    if (keepForeign(st, name) || keepMissingDefault(st, name) || keepUnknown(st, name))
         return;
     const command::Command* cmd = command::find(name);
     if (!cmd)
@@ -317,7 +347,7 @@ void readStatements(const std::string& text, const std::string& path)
 }
 
 /// Reads inside an undo scope that is rolled back on an error.
-void readInto(const std::string& path, bool import, const std::function<void()>& before)
+void readInto(const std::string& path, bool import, const ImportNames& names, const std::function<void()>& before)
 {
     const std::string text = readFile(path);
     checkComplete(text, path);
@@ -326,7 +356,13 @@ void readInto(const std::string& path, bool import, const std::function<void()>&
     Reading reading;
     reading.import = import;
     reading.prefix = baseName(path);
-    reading.prefix = reading.prefix.substr(0, reading.prefix.find('.')) + "_";
+    reading.prefix = names.prefix.empty() ? reading.prefix.substr(0, reading.prefix.find('.')) + "_" : names.prefix;
+    for (char& c : reading.prefix)
+        if (!std::isalnum(static_cast<unsigned char>(c)) && c != ':')
+            c = '_';
+    if (std::isdigit(static_cast<unsigned char>(reading.prefix[0])))
+        reading.prefix.insert(0, "_");
+    reading.prefixAll = names.all;
     const FileData    dataBefore = fileData();
     const bool        wasEnabled = undo::enabled();
     undo::setEnabled(true);   // the scope needs the edits, wanted in the queue or not
@@ -382,9 +418,9 @@ const std::string& importedName(const std::string& name)
 
 std::string nameForImport(const std::string& name)
 {
-    if (!g_reading || !g_reading->import || !scene().first(name))
+    if (!g_reading || !g_reading->import || (!g_reading->prefixAll && !scene().first(name)))
         return name;
-    return g_reading->prefix + name;
+    return edit::freeName(g_reading->prefix + name);
 }
 
 void noteImportedName(const std::string& wanted, const std::string& got)
@@ -409,7 +445,7 @@ Node* makeUnknownNode(const std::string& typeName, const std::string& name, Node
 
 void openScene(const std::string& path)
 {
-    readInto(path, false, [] {
+    readInto(path, false, {}, [] {
         forgetFileData();
         deleteAllNodes();
     });
@@ -418,12 +454,12 @@ void openScene(const std::string& path)
     undo::flush();
 }
 
-std::vector<Ref<Node>> importScene(const std::string& path)
+std::vector<Ref<Node>> importScene(const std::string& path, const ImportNames& names)
 {
     std::set<Node*> before;
     for (Node* n : scene().nodes())
         before.insert(n);
-    readInto(path, true, [] {});
+    readInto(path, true, names, [] {});
     std::vector<Ref<Node>> out;
     for (Node* n : scene().nodes())
         if (!before.count(n))

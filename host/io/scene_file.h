@@ -13,7 +13,9 @@ namespace mirk::io {
 void openScene(const std::string& path);
 /// Adds a file's nodes to the scene; a node whose name is taken gets "file_name" and is found under its old name by the
 /// file's own statements. Returns the new nodes. On an error nothing is added.
-std::vector<Ref<Node>> importScene(const std::string& path);
+/// A prefix of one's own stands in place of "file_", on request before all names.
+struct ImportNames { std::string prefix; bool all = false; };
+std::vector<Ref<Node>> importScene(const std::string& path, const ImportNames& names = {});
 /// Writes the scene, or only the selected nodes and what they hang on. The file is replaced in one step.
 void saveScene(const std::string& path, bool selectedOnly = false);
 /// The text of a scene file.

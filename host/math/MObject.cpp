@@ -35,15 +35,20 @@ MObject& MObject::operator=(const MObject& other) noexcept
 bool      MObject::hasFn(MFn::Type type) const { return object_ && object_->hasFn(type); }
 MFn::Type MObject::apiType() const { return object_ ? object_->apiType() : MFn::kInvalid; }
 
-const char* MObject::apiTypeStr() const
+namespace mirk {
+
+const char* apiTypeName(MFn::Type type)
 {
-    switch (apiType()) {
+    switch (type) {
 #define MFN_TYPE(name, number) case MFn::name: return #name;
 #include <maya/MFnTypes.inc>
 #undef MFN_TYPE
     }
     return "kInvalid";
 }
+}  // namespace mirk
+
+const char* MObject::apiTypeStr() const { return mirk::apiTypeName(apiType()); }
 
 MObject MObjectHandle::object() const { return objectRef(); }
 

@@ -108,6 +108,8 @@ MStatus initTransform()
 {
     MObject t = triple("translate", "t", Unit::kDistance, 0, kKey), r = triple("rotate", "r", Unit::kAngle, 0, kKey);
     MObject s = triple("scale", "s", Number::kDouble, 1, kKey);
+    for (const MObject& whole : {t, r, s})   // keys are set on the channels alone
+        objectAs<Attribute>(whole)->set(Attribute::kKeyable, false);
     MObject order = choice("rotateOrder", "ro", 0, {"xyz", "yzx", "zxy", "xzy", "yxz", "zyx"});
     MObject sh = tuple("shear", "sh",
                        {number("shearXY", "shxy", Number::kDouble), number("shearXZ", "shxz", Number::kDouble),
