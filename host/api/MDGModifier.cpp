@@ -11,6 +11,7 @@
 
 #include "api/api.h"
 #include "dag/dag.h"
+#include "graph/convert.h"
 #include "graph/edit.h"
 #include "graph/undo.h"
 #include "mel/interpreter.h"
@@ -170,7 +171,7 @@ MStatus MDGModifier::connect(const MPlug& source, const MPlug& dest)
 {
     if (source.isNull() || dest.isNull())
         return MS::kInvalidParameter;
-    return ops_->add([source, dest] { edit::connect(cellOf(source), cellOf(dest)); });
+    return ops_->add([source, dest] { edit::connectConverting(cellOf(source), cellOf(dest)); });
 }
 
 MStatus MDGModifier::connect(const MObject& sourceNode, const MObject& sourceAttr, const MObject& destNode, const MObject& destAttr)
@@ -182,7 +183,7 @@ MStatus MDGModifier::disconnect(const MPlug& source, const MPlug& dest)
 {
     if (source.isNull() || dest.isNull())
         return MS::kInvalidParameter;
-    return ops_->add([source, dest] { edit::disconnect(cellOf(source), cellOf(dest)); });
+    return ops_->add([source, dest] { edit::disconnectConverting(cellOf(source), cellOf(dest)); });
 }
 
 MStatus MDGModifier::disconnect(const MObject& sourceNode, const MObject& sourceAttr, const MObject& destNode, const MObject& destAttr)

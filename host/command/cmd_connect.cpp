@@ -1,5 +1,6 @@
 // Connections: making, breaking and listing them.
 #include "command/cmd_util.h"
+#include "graph/convert.h"
 
 namespace mirk::command {
 
@@ -45,7 +46,7 @@ Value connectAttr(Call& call)
         fail("'" + plugText(source) + "' is already connected to '" + plugText(*target) + "'.");
     if (target->is(Cell::kLocked))
         fail("The destination attribute '" + plugText(*target) + "' is locked and cannot be connected.");
-    edit::connect(source, *target, call.has("force"));
+    edit::connectConverting(source, *target, call.has("force"));
     if (call.has("lock"))
         edit::setFlag(*target, Cell::kLocked, call.boolean("lock"));
     return Value("Connected " + plugText(source) + " to " + plugText(*target) + ".");
@@ -80,30 +81,16 @@ Value disconnectAttr(Call& call)
     const std::string text = plugText(*target);
     if (call.has("nextAvailable") && target->isMulti())
         target = elementConnectedTo(*target, source);
-    if (!target || target->source != &source)
+    if (!target)
         fail("There is no connection from '" + names[0] + "' to '" + names[1] + "' to disconnect");
     if (target->is(Cell::kLocked))
         fail("The destination attribute '" + text + "' is locked and cannot be disconnected.");
     const std::string done = "Disconnect " + plugText(source) + " from " + plugText(*target) + ".";
-    edit::disconnect(source, *target);
+    edit::disconnectConverting(source, *target);
     return Value(done);
 }
 
 constexpr Flag kIsConnected[] = {{"iuc", "ignoreUnitConversion"}};
-
-/// The source behind unit conversion nodes.
-Cell* behindConversion(Cell* source)
-{
-    while (source && source->node->type->name == "unitConversion")
-    {
-        const Attribute* in = source->node->findAttribute("input");
-        Cell* cell = in ? source->node->cellIfAny(in) : nullptr;
-        if (!cell || !cell->source)
-            break;
-        source = cell->source;
-    }
-    return source;
-}
 
 Value isConnected(Call& call)
 {
@@ -113,7 +100,7 @@ Value isConnected(Call& call)
         fail("isConnected: two attributes have to be given");
     Cell& source = onePlug(names[0]);
     Cell& target = onePlug(names[1]);
-    Cell* from = call.has("ignoreUnitConversion") ? behindConversion(target.source) : target.source;
+    Cell* from = call.has("ignoreUnitConversion") ? edit::behindConversion(target.source) : target.source;
     return Value(from == &source);
 }
 
@@ -202,7 +189,7 @@ public:
 private:
     void list(Cell& own, Cell& other)
     {
-        if (skip_ && other.node->type->name == "unitConversion")
+        if (skip_ && edit::isConversion(*other.node))
         {
             passConversion(own, other);
             return;

@@ -86,6 +86,12 @@ bool plugFact(Cell& cell, Call& call, Value& out)
     return true;
 }
 
+/// The plain name of a world-space output means its first instance.
+Cell& firstInstance(Cell& cell)
+{
+    return cell.isMulti() && cell.attr->is(Attribute::kWorldSpace) ? *cell.element(0) : cell;
+}
+
 Value getAttr(Call& call)
 {
     const Strings plugs = call.names();
@@ -102,7 +108,8 @@ Value getAttr(Call& call)
     Value out;
     if (cells.size() == 1)
     {
-        Cell& cell = *cells.front();
+        const bool aboutElements = call.has("size") || call.has("multiIndices");
+        Cell&      cell = aboutElements ? *cells.front() : firstInstance(*cells.front());
         if (plugFact(cell, call, out))
             return out;
         if (call.has("asString") && cell.attr->kind == AttrKind::kEnum && !cell.isMulti())

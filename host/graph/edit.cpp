@@ -265,6 +265,51 @@ void setName(Node& node, const std::string& name)
     scene().renamed(node, old);
 }
 
+/// Breaks the connection; what then becomes of the nodes is the caller's to ask.
+void disconnectOnly(Cell& source, Cell& target)
+{
+    if (target.source != &source)
+        throw Error("There is no connection from '" + nameOf(source) + "' to '" + nameOf(target) + "' to disconnect.");
+    for (Cell* p = &target; p; p = p->parent)
+        if (p->is(Cell::kLocked))
+            throw Error("The destination attribute '" + nameOf(target) + "' is locked and cannot be disconnected.");
+    breakLink(source, target);
+    if (target.attr->disconnect == 1) {
+        beforeChange(target);
+        target.setDefault();
+        afterChange(target);
+        target.set(Cell::kSet, false);
+    } else if (target.attr->disconnect == 0) {
+        Cell* element = &target;
+        while (element && !element->isElement())
+            element = element->parent;
+        bool used = false;
+        if (element)
+            walkCells(*element, [&](Cell& c) { used = used || c.source; });
+        if (element && !used)
+            removeElement(*element);
+    }
+}
+
+bool connectedAtAll(const Node& node, bool incoming)
+{
+    bool any = false;
+    for (Cell* top : node.cells)
+        if (top && !top->parent && !any)
+            walkCells(*top, [&](Cell& c) { any = any || (incoming ? c.source != nullptr : c.hasTargets()); });
+    return any;
+}
+
+/// A node that asked not to exist without connections goes when it has lost the last one.
+void dropIfAlone(Node* node)
+{
+    if (!node || !node->user || !node->inScene || node->isDefault || node->locked || node->computing)
+        return;
+    if ((!node->user->existWithoutInConnections() && !connectedAtAll(*node, true)) ||
+        (!node->user->existWithoutOutConnections() && !connectedAtAll(*node, false)))
+        node->dag ? dag::deleteNode(*node) : deleteNode(*node);
+}
+
 }  // namespace
 
 // ---- nodes -------------------------------------------------------------------------------------------------------
@@ -345,6 +390,7 @@ void deleteNode(Node& node)
     if (node.locked)
         throw Error("Cannot delete locked node '" + node.name + "'.");
     Ref<Node> keep(&node);
+    std::vector<Ref<Node>> neighbours;
     for (size_t slot = 0; slot < node.cells.size(); ++slot) {
         Cell* top = node.cells[slot];
         if (!top || top->parent)
@@ -360,12 +406,15 @@ void deleteNode(Node& node)
         });
         for (auto [s, t] : links)
             if (t->source == s) {
+                neighbours.emplace_back(t->node == &node ? s->node : t->node);
                 if (t->node == &node) breakLink(*s, *t);
-                else disconnect(*s, *t);
+                else disconnectOnly(*s, *t);
             }
     }
     scene().remove(node);
     undo::push([keep] { scene().add(*keep); }, [keep] { scene().remove(*keep); });
+    for (const Ref<Node>& n : neighbours)
+        dropIfAlone(n.get());
 }
 
 void renameNode(Node& node, const std::string& name)
@@ -411,7 +460,7 @@ bool wouldCycle(Cell& source, Cell& target)
     return false;
 }
 
-void connect(Cell& given, Cell& target, bool force)
+void checkConnect(Cell& given, Cell& target, bool force)
 {
     Cell& source = sourceFor(given, target);
     const std::string both = "'" + nameOf(source) + "' to '" + nameOf(target) + "'";
@@ -435,43 +484,34 @@ void connect(Cell& given, Cell& target, bool force)
         }
     if (source.attr->kind != AttrKind::kMessage && target.attr->kind != AttrKind::kMessage && wouldCycle(source, target))
         throw Error("Cannot connect " + both + ": that would make a cycle.");
+}
+
+void connect(Cell& given, Cell& target, bool force)
+{
+    checkConnect(given, target, force);
+    Cell&     source = sourceFor(given, target);
+    Ref<Node> before(target.source ? target.source->node : nullptr);
     if (target.source)
         breakLink(*target.source, target);
     Hold s(source), t(target);
     link(source, target);
     undo::push([=] { unlink(*s, *t); }, [=] { link(*s, *t); });
+    dropIfAlone(before.get());
 }
 
 void disconnect(Cell& source, Cell& target)
 {
-    if (target.source != &source)
-        throw Error("There is no connection from '" + nameOf(source) + "' to '" + nameOf(target) + "' to disconnect.");
-    for (Cell* p = &target; p; p = p->parent)
-        if (p->is(Cell::kLocked))
-            throw Error("The destination attribute '" + nameOf(target) + "' is locked and cannot be disconnected.");
     for (Cell* c : {&source, &target})
-        if (MPxNode* user = userOf(*c)) {
+        if (MPxNode* user = target.source == &source ? userOf(*c) : nullptr) {
             bool  legal = true;
             Cell& other = c == &source ? target : source;
             if (user->legalDisconnection(PlugAccess::make(*c), PlugAccess::make(other), c == &source, legal) == MS::kSuccess && !legal)
                 throw Error("Cannot disconnect '" + nameOf(source) + "' from '" + nameOf(target) + "': '" + c->node->name + "' refuses it.");
         }
-    breakLink(source, target);
-    if (target.attr->disconnect == 1) {
-        beforeChange(target);
-        target.setDefault();
-        afterChange(target);
-        target.set(Cell::kSet, false);
-    } else if (target.attr->disconnect == 0) {
-        Cell* element = &target;
-        while (element && !element->isElement())
-            element = element->parent;
-        bool used = false;
-        if (element)
-            walkCells(*element, [&](Cell& c) { used = used || c.source; });
-        if (element && !used)
-            removeElement(*element);
-    }
+    Ref<Node> from(source.node), to(target.node);
+    disconnectOnly(source, target);
+    dropIfAlone(from.get());
+    dropIfAlone(to.get());
 }
 
 // ---- values ------------------------------------------------------------------------------------------------------

@@ -16,6 +16,8 @@ void  renameNode(Node& node, const std::string& name);
 
 /// Connects; an existing source is refused unless `force`. Kinds that do not fit and plug cycles are refused.
 void connect(Cell& source, Cell& target, bool force = false);
+/// Throws what connect would throw.
+void checkConnect(Cell& source, Cell& target, bool force = false);
 /// Breaks one connection; applies the target's disconnect behaviour.
 void disconnect(Cell& source, Cell& target);
 /// Why a connection is not possible; empty if it is.

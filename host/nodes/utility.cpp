@@ -32,8 +32,19 @@ public:
     }
 };
 
+/// Of no use once one end is loose.
+class Conversion : public MPxNode
+{
+protected:
+    Conversion()
+    {
+        setExistWithoutInConnections(false);
+        setExistWithoutOutConnections(false);
+    }
+};
+
 /// output = input * conversionFactor.
-class UnitConversion : public MPxNode
+class UnitConversion : public Conversion
 {
 public:
     static void*   creator() { return new UnitConversion; }
@@ -60,7 +71,7 @@ public:
 // factors of time conversions count in these, as scene files have them
 constexpr double kTicksPerSecond = 6000;
 
-class TimeToUnit : public MPxNode
+class TimeToUnit : public Conversion
 {
 public:
     static void*   creator() { return new TimeToUnit; }
@@ -85,7 +96,7 @@ public:
     static inline MObject aInput, aOutput, aFactor;
 };
 
-class UnitToTime : public MPxNode
+class UnitToTime : public Conversion
 {
 public:
     static void*   creator() { return new UnitToTime; }
