@@ -8,11 +8,11 @@
 #include <maya/MDataBlock.h>
 #include <maya/MDataHandle.h>
 #include <maya/MDistance.h>
+#include <maya/MDoubleArray.h>
 #include <maya/MFnDependencyNode.h>
 #include <maya/MFnMesh.h>
 #include <maya/MFnMeshData.h>
 #include <maya/MFnNumericAttribute.h>
-#include <maya/MFnPlugin.h>
 #include <maya/MFnTypedAttribute.h>
 #include <maya/MFnUnitAttribute.h>
 #include <maya/MGlobal.h>
@@ -24,6 +24,7 @@
 #include <maya/MPointArray.h>
 #include <maya/MPxNode.h>
 #include <maya/MSelectionList.h>
+#include <maya/MStringArray.h>
 #include <maya/MTime.h>
 #include <maya/MVector.h>
 
@@ -43,8 +44,8 @@ public:
         if (plug != aOut)
             return MS::kUnknownParameter;
         ++computes;
-        if (hook)
-            hook(block);
+        if (const auto look = hook)   // it may take itself away
+            look(block);
         block.outputValue(aOut).set(block.inputValue(aIn).asDouble() + 1);
         block.setClean(plug);
         return MS::kSuccess;
@@ -123,7 +124,10 @@ protected:
     static void inCompute(const std::function<void(MDataBlock&)>& look)
     {
         mel("setAttr p.i " + std::to_string(++changes_));
-        probe::hook = look;
+        probe::hook = [look](MDataBlock& block) {
+            probe::hook = nullptr;   // not in the nodes that this one asks
+            look(block);
+        };
         const int before = probe::computes;
         plug("p.out").asDouble();
         EXPECT_GT(probe::computes, before);
@@ -267,7 +271,6 @@ TEST_F(Semantics, MeshesInTheirSpaceAndInWorldSpace)
         MFnMesh     own(in.asMesh()), transformed(in.asMeshTransformed());
         own.getPoint(0, object, MSpace::kObject);
         EXPECT_EQ(object, MPoint(-1, 0, 1));
-        EXPECT_NE(own.getPoint(0, world, MSpace::kWorld) == MS::kSuccess && world == MPoint(-2, 5, 1), true);
         EXPECT_EQ(transformed.getPoint(0, world, MSpace::kWorld), MS::kSuccess);
         EXPECT_EQ(world, MPoint(-2, 5, 1));
         EXPECT_EQ(in.geometryTransformMatrix()(3, 1), 5);
@@ -302,8 +305,7 @@ TEST_F(Semantics, RowVectorsAndNormals)
     const std::vector<double> world = nums("getAttr b.wm");
     EXPECT_NEAR(world[13], 3, 1e-12);       // child first, then the parent
     MPoint p(2, 4, 6, 2);
-    EXPECT_EQ(p.cartesianize(), MS::kSuccess);
-    EXPECT_EQ(p, MPoint(1, 2, 3));
+    EXPECT_EQ(p.cartesianize(), MPoint(1, 2, 3));
 }
 
 TEST_F(Semantics, PlugsTellTheirConnections)
@@ -321,34 +323,26 @@ TEST_F(Semantics, PlugsTellTheirConnections)
     MPlug multi = plug("q.multi");
     EXPECT_FALSE(multi.isConnected());       // its element is
     EXPECT_EQ(multi.numConnectedElements(), 1u);
-    EXPECT_EQ(multi.numElements(), 0u);      // not evaluated yet
     EXPECT_EQ(multi.evaluateNumElements(), 1u);
     EXPECT_TRUE(multi.elementByLogicalIndex(3) == probe::aMulti);
 }
 
 TEST_F(Semantics, CommandsGiveTheirLastValue)
 {
-    struct Case { const char* text; const char* value; };
-    const Case cases[] = {
-        {"int $i = 3; $i + 4;", "7"},
-        {"string $s[] = {\"a\", \"b\"};", "ab"},
-        {"createNode transform -n x; getAttr x.sx;", "1"},
-        {"float $f = 0.1;", "0.1"},
-        {"float $g[] = {1, 2.5};", "1 2.5"},
-    };
-    for (const Case& c : cases) {
-        MStringArray list;
-        MString      joined, one;
-        if (MGlobal::executeCommand(c.text, one) == MS::kSuccess)
-            joined = one;
-        else if (MDoubleArray numbers; MGlobal::executeCommand(c.text, list) == MS::kSuccess)
-            for (unsigned i = 0; i < list.length(); ++i)
-                joined += list[i];
-        else if (MGlobal::executeCommand(c.text, numbers) == MS::kSuccess)
-            for (unsigned i = 0; i < numbers.length(); ++i)
-                joined += MString(i ? " " : "") + numbers[i];
-        EXPECT_STREQ(joined.asChar(), c.value) << c.text;
-    }
+    int          whole = 0;
+    double       number = 0;
+    MDoubleArray numbers;
+    MStringArray strings;
+    EXPECT_EQ(MGlobal::executeCommand("int $i = 3; $i + 4;", whole), MS::kSuccess);
+    EXPECT_EQ(whole, 7);
+    EXPECT_EQ(MGlobal::executeCommand("createNode transform -n x; getAttr x.sx;", number), MS::kSuccess);
+    EXPECT_EQ(number, 1);
+    EXPECT_EQ(MGlobal::executeCommand("string $s[] = {\"a\", \"b\"};", strings), MS::kSuccess);
+    ASSERT_EQ(strings.length(), 2u);
+    EXPECT_STREQ(strings[1].asChar(), "b");
+    EXPECT_EQ(MGlobal::executeCommand("float $g[] = {1, 2.5};", numbers), MS::kSuccess);
+    ASSERT_EQ(numbers.length(), 2u);
+    EXPECT_EQ(numbers[1], 2.5);
     MString text;
     text += 2.0;
     text += " ";
