@@ -144,15 +144,18 @@ Value deleteObjects(Call& call)
     return {};
 }
 
-/// What node names cannot hold becomes '_'; digits in front are dropped. A '#' at the end asks for a number.
+/// What node names cannot hold becomes '_'; digits in front are dropped; "" if nothing is left. A '#' at the end asks for a number.
 std::string legalName(std::string name)
 {
     const bool numbered = !name.empty() && name.back() == '#';
     name.erase(0, std::min(name.find_first_not_of("0123456789"), name.size()));
     while (!name.empty() && name.back() == '#')
         name.pop_back();
+    const auto legal = [](unsigned char c) { return std::isalnum(c) || c == '_' || c == ':'; };
+    if (std::none_of(name.begin(), name.end(), legal))
+        return {};
     for (char& c : name)
-        if (!std::isalnum(static_cast<unsigned char>(c)) && c != '_' && c != ':')
+        if (!legal(static_cast<unsigned char>(c)))
             c = '_';
     return numbered && !name.empty() ? name + '#' : name;
 }
