@@ -44,7 +44,6 @@ TEST_F(Graph, ErrorsNameTheThingAndLeaveTheScene)
         {"createNode transform -p nobody", "nobody"},
         {"delete nobody", "nobody"},
         {"delete persp", "persp"},
-        {"rename a \"1%\"", "legal"},
         {"parent a b", "itself or one of its children"},
         {"parent b nobody", "nobody"},
         {"connectAttr a.tx nobody.tx", "nobody.tx"},
