@@ -71,7 +71,7 @@ TEST_F(BrokenInput, CommandsNameWhatIsWrongAndChangeNothing)
         {"connectAttr a.ty a.ty", "a.translateY"},
         {"connectAttr a.ty b.tx", "b.translateX"},
         {"connectAttr a.ty locked.tx", "locked.translateX"},
-        {"disconnectAttr a.ty b.ty", "a.ty"},
+        {"disconnectAttr a.ty b.ty", "b.translateY"},
         {"addAttr -ln zork -at zork2 a", "zork2"},
         {"addAttr -ln \"z o\" -at double a", "z o"},
         {"addAttr -ln w -at double a", "w"},
