@@ -237,7 +237,7 @@ Value nodeType(Call& call)
             fail("Unknown object type: " + args[0]);
     }
     else
-        type = oneNode(args[0]).type;
+        type = nodeOf(oneItem(args[0]))->type;   // of a plug its node's
     Strings out;
     if (call.has("apiType"))
         return Value(std::string(apiTypeName(type->apiType)));

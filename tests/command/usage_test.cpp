@@ -18,6 +18,7 @@ TEST_F(Usage, PythonAnswers)
         {"mc.optionVar(q='a')", "3"},
         {"mc.optionVar(query='nothing')", "0"},
         {"mc.nodeType('boxShape', apiType=True)", "'kMesh'"},
+        {"mc.nodeType('box.tx')", "'transform'"},
         {"mc.attributeQuery('tx', node='box', ex=True)", "True"},
         {"mc.attributeQuery('width', node='polyCube1', st=True)", "True"},
         {"mc.addAttr('n.e', q=True, en=True)", "'red:green=5:blue'"},
