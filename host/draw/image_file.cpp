@@ -32,13 +32,13 @@ void writeImage(const std::string& path, const Image& image)
     const auto out = ImageOutput::create(path);
     if (!out)
         throw Error("Cannot write image '" + path + "': " + OIIO::geterror());
-    ImageSpec spec(image.width, image.height, image.channels, bytes ? TypeDesc::UINT8 : TypeDesc::FLOAT);
+    ImageSpec layout(image.width, image.height, image.channels, bytes ? TypeDesc::UINT8 : TypeDesc::FLOAT);
     if (bytes) {
-        spec.attribute("oiio:ColorSpace", "sRGB");
-        spec.attribute("oiio:UnassociatedAlpha", 1);
+        layout.attribute("oiio:ColorSpace", "sRGB");
+        layout.attribute("oiio:UnassociatedAlpha", 1);
     }
     const void* data = bytes ? static_cast<const void*>(image.bytes.data()) : image.floats.data();
-    if (!out->open(path, spec) || !out->write_image(bytes ? TypeDesc::UINT8 : TypeDesc::FLOAT, data) || !out->close())
+    if (!out->open(path, layout) || !out->write_image(bytes ? TypeDesc::UINT8 : TypeDesc::FLOAT, data) || !out->close())
         throw Error("Cannot write image '" + path + "': " + out->geterror());
 }
 
@@ -49,17 +49,17 @@ Image readImage(const std::string& path)
     const auto in = ImageInput::open(path, &plain);
     if (!in)
         throw Error("Cannot read image '" + path + "': " + OIIO::geterror());
-    const ImageSpec& spec = in->spec();
-    Image image{spec.width, spec.height, spec.nchannels, {}, {}};
-    const size_t size = size_t(spec.width) * spec.height * spec.nchannels;
-    const bool bytes = spec.format == TypeDesc::UINT8;
+    const ImageSpec& layout = in->spec();
+    Image image{layout.width, layout.height, layout.nchannels, {}, {}};
+    const size_t size = size_t(layout.width) * layout.height * layout.nchannels;
+    const bool bytes = layout.format == TypeDesc::UINT8;
     bool good = false;
     if (bytes) {
         image.bytes.resize(size);
-        good = in->read_image(0, 0, 0, spec.nchannels, TypeDesc::UINT8, image.bytes.data());
+        good = in->read_image(0, 0, 0, layout.nchannels, TypeDesc::UINT8, image.bytes.data());
     } else {
         image.floats.resize(size);
-        good = in->read_image(0, 0, 0, spec.nchannels, TypeDesc::FLOAT, image.floats.data());
+        good = in->read_image(0, 0, 0, layout.nchannels, TypeDesc::FLOAT, image.floats.data());
     }
     if (!good)
         throw Error("Cannot read image '" + path + "': " + in->geterror());

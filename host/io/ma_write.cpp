@@ -391,29 +391,29 @@ private:
 std::set<const Node*> selectedNodes()
 {
     std::set<const Node*> out;
-    std::vector<Node*>    todo;
+    std::vector<Node*>    pending;
     for (const Item& i : selection::get())
     {
-        todo.push_back(i.node.get());
+        pending.push_back(i.node.get());
         if (!i.path.nodes.empty())
-            dag::descend(i.path, [&](const Path& p) { return todo.push_back(p.node()), true; });
+            dag::descend(i.path, [&](const Path& p) { return pending.push_back(p.node()), true; });
     }
-    if (todo.empty())
+    if (pending.empty())
         fail("Nothing is selected to be exported");
-    while (!todo.empty())
+    while (!pending.empty())
     {
-        Node* n = todo.back();
-        todo.pop_back();
+        Node* n = pending.back();
+        pending.pop_back();
         if (n == &dag::world() || !out.insert(n).second)
             continue;
         if (n->dag)
             for (Node* p : n->dag->parents)
-                todo.push_back(p);
+                pending.push_back(p);
         for (Cell* top : n->cells)
             if (top && !top->parent)
                 walkCells(*top, [&](Cell& c) {
                     if (c.source)
-                        todo.push_back(c.source->node);
+                        pending.push_back(c.source->node);
                 });
     }
     return out;
