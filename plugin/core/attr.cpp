@@ -1,7 +1,10 @@
 #include "core/attr.h"
 
+#include <maya/MFnCompoundAttribute.h>
 #include <maya/MFnEnumAttribute.h>
 #include <maya/MFnGenericAttribute.h>
+#include <maya/MFnMatrixAttribute.h>
+#include <maya/MFnMessageAttribute.h>
 #include <maya/MFnNumericAttribute.h>
 #include <maya/MFnTypedAttribute.h>
 #include <maya/MPxNode.h>
@@ -67,6 +70,92 @@ Row generic(MObject& attribute, const char* longName, const char* shortName,
     for (const MFnData::Type type : accepts)
         fn.addDataAccept(type);
     return row(attribute, fn, role);
+}
+
+Row matrix(MObject& attribute, const char* longName, const char* shortName, Role role)
+{
+    MFnMatrixAttribute fn;
+    attribute = fn.create(longName, shortName);
+    return row(attribute, fn, role);
+}
+
+Row message(MObject& attribute, const char* longName, const char* shortName, Role role)
+{
+    MFnMessageAttribute fn;
+    attribute = fn.create(longName, shortName);
+    return row(attribute, fn, role);
+}
+
+Row compound(MObject& attribute, const char* longName, const char* shortName, std::initializer_list<Row> children,
+             Role role)
+{
+    MFnCompoundAttribute fn;
+    attribute = fn.create(longName, shortName);
+    for (const Row& child : children)
+        fn.addChild(*child.attribute);
+    return row(attribute, fn, role);
+}
+
+Row tuple(MObject& attribute, const char* longName, const char* shortName, std::initializer_list<Row> children,
+          Role role)
+{
+    MObject part[4];
+    int     count = 0;
+    for (const Row& child : children)
+        if (count < 4)
+            part[count++] = *child.attribute;
+    MFnNumericAttribute fn;
+    attribute = fn.create(longName, shortName, part[0], part[1], part[2], part[3]);
+    return row(attribute, fn, role);
+}
+
+Row multi(Row of)
+{
+    MFnAttribute fn(*of.attribute);
+    fn.setArray(true);
+    if (of.role == kOutput)
+        fn.setUsesArrayDataBuilder(true);
+    return of;
+}
+
+Row atLeast(Row of, double min)
+{
+    MFnNumericAttribute(*of.attribute).setMin(min);
+    return of;
+}
+
+Row within(Row of, double min, double max)
+{
+    MFnNumericAttribute fn(*of.attribute);
+    fn.setMin(min);
+    fn.setMax(max);
+    return of;
+}
+
+Row softRange(Row of, double min, double max)
+{
+    MFnNumericAttribute fn(*of.attribute);
+    fn.setSoftMin(min);
+    fn.setSoftMax(max);
+    return of;
+}
+
+Row softMax(Row of, double max)
+{
+    MFnNumericAttribute(*of.attribute).setSoftMax(max);
+    return of;
+}
+
+Row hidden(Row of)
+{
+    MFnAttribute(*of.attribute).setHidden(true);
+    return of;
+}
+
+Row notConnectable(Row of)
+{
+    MFnAttribute(*of.attribute).setConnectable(false);
+    return of;
 }
 
 MStatus declare(const Row* rows, std::size_t count)

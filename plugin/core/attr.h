@@ -42,6 +42,24 @@ Row enumeration(MObject& attribute, const char* longName, const char* shortName,
 Row generic(MObject& attribute, const char* longName, const char* shortName,
             std::initializer_list<MFnData::Type> accepts, Role);
 
+/// A 4x4 matrix of doubles.
+Row matrix(MObject& attribute, const char* longName, const char* shortName, Role);
+Row message(MObject& attribute, const char* longName, const char* shortName, Role);
+/// A group of attributes. The children are rows as well and come in braces, in their order.
+Row compound(MObject& attribute, const char* longName, const char* shortName, std::initializer_list<Row> children, Role);
+/// Two to four scalar attributes of one kind as one value: a vector, a range, a scale.
+Row tuple(MObject& attribute, const char* longName, const char* shortName, std::initializer_list<Row> children, Role);
+
+/// Rows around a row: the same attribute with more set on it.
+/// Any number of elements, sparse. Outputs can be filled with a data builder.
+Row multi(Row);
+Row atLeast(Row, double min);
+Row within(Row, double min, double max);
+Row softRange(Row, double min, double max);
+Row softMax(Row, double max);
+Row hidden(Row);
+Row notConnectable(Row);
+
 /// Adds the rows to the node type that is being initialised, in order; then every row that is no output affects every
 /// output. Stops at the first status that is no success and returns it.
 MStatus declare(const Row* rows, std::size_t count);

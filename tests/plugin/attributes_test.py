@@ -1,4 +1,4 @@
-"""The attributes of the nodes against attributes.tsv: names, types, defaults and flags are stored in scenes."""
+"""The attributes of the nodes against the tables in attributes/: names, types, defaults and flags are stored in scenes."""
 import os
 import sys
 
@@ -24,8 +24,11 @@ def kind(node, attribute):
     return mc.getAttr(node + '.' + attribute, type=True) if found == 'typed' else found
 
 
-with open(os.path.join(os.path.dirname(os.path.abspath(__file__)), 'attributes.tsv')) as stream:
-    rows = [line.rstrip('\n').split('\t') for line in stream if not line.startswith('#')]
+rows = []
+folder = os.path.join(os.path.dirname(os.path.abspath(__file__)), 'attributes')
+for family in sorted(os.listdir(folder)):
+    with open(os.path.join(folder, family)) as stream:
+        rows += [line.rstrip('\n').split('\t') for line in stream if not line.startswith('#')]
 
 for nodeType, attribute, short, type, default, values, role in rows:
     if nodeType not in nodes:
@@ -49,9 +52,10 @@ for nodeType, attribute, short, type, default, values, role in rows:
     if type == 'enum':
         same(what + ' choices', query(listEnum=True), [values.replace('; ', ':')])
     elif values != '-':
-        limits = dict(limit.split() for limit in values.split('; '))
-        same(what + ' minimum', query(minimum=True), [float(limits['min'])])
-        same(what + ' soft maximum', query(softMax=True), [float(limits['softMax'])])
+        for limit in values.split('; '):                      # min, max, softMin, softMax
+            name, value = limit.split()
+            name = {'min': 'minimum', 'max': 'maximum'}.get(name, name)
+            same(what + ' ' + name, query(**{name: True}), [float(value)])
 
 for nodeType, expected in order.items():
     plain = set(mc.listAttr(mc.createNode('network')))
