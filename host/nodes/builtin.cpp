@@ -109,6 +109,7 @@ void registerBuiltinNodes()
     nodes::registerDagTypes();
     nodes::registerShapeTypes();
     nodes::registerUtilityTypes();
+    nodes::registerMathTypes();
     nodes::registerPluginKinds();
     nodes::registerPolygonMakers();
     nodes::registerNurbsMakers();
