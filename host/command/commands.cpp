@@ -20,6 +20,8 @@ void registerCommands()
     registerNurbsCommands();
     registerSceneCommands();
     registerTimeCommands();
+    registerMeasureCommands();
+    registerDisplayCommands();
     registerSystemCommands();
     registerPluginCommands();
 }
