@@ -6,7 +6,6 @@ class arrayToArray : public Registered<arrayToArray, MPxNode, 0x11575F> {};
 class arrayToMulti : public Registered<arrayToMulti, MPxNode, 0x115748> {};
 class fluidAttributeToArray : public Registered<fluidAttributeToArray, MPxNode, 0x11575A> {};
 class multiToArray : public Registered<multiToArray, MPxNode, 0x115756> {};
-class point : public Registered<point, MPxNode, 0x115749> {};
 class remapArray : public Registered<remapArray, MPxNode, 0x11574F> {};
 class textureToArray : public Registered<textureToArray, MPxNode, 0x11574D> {};
 class vertexConstraint : public Registered<vertexConstraint, MPxNode, 0x11575E> {};
@@ -25,7 +24,6 @@ class transformsToArrays : public Registered<transformsToArrays, MPxNode, 0x1157
 class mesh2arrays : public Registered<mesh2arrays, MPxNode, 0x1157A1> {};
 class combineArrays : public Registered<combineArrays, MPxNode, 0x1157A2> {};
 class multiRemapValue : public Registered<multiRemapValue, MPxNode, 0x11574E> {};
-class arrayExpression : public Registered<arrayExpression, MPxNode, 0x11574A> {};
 class blurPointAttribute : public Registered<blurPointAttribute, MPxNode, 0x1157A3> {};
 class colorAndAlphaToRgba : public Registered<colorAndAlphaToRgba, MPxNode, 0x1157A6> {};
 class uvsToPointsOnMesh : public Registered<uvsToPointsOnMesh, MPxNode, 0x1157A8> {};

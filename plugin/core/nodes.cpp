@@ -1,7 +1,9 @@
 #include "core/nodes.h"
 
+#include "arrays/arrayExpression.h"
 #include "arrays/arrayToPointAttribute.h"
 #include "arrays/arrayToPointColor.h"
+#include "arrays/point.h"
 #include "arrays/pointAttributeToArray.h"
 #include "arrays/registered.h"
 #include "caching/registered.h"
