@@ -11,6 +11,7 @@
 #include "graph/evaluate.h"
 #include "graph/scene.h"
 #include "graph/undo.h"
+#include "nodes/anim_types.h"
 
 namespace mirk {
 namespace nodes {
@@ -112,6 +113,7 @@ void registerBuiltinNodes()
     nodes::registerPluginKinds();
     nodes::registerPolygonMakers();
     nodes::registerNurbsMakers();
+    nodes::registerRemapValue();
     scene().onRemoved = selection::dropNode;
 }
 

@@ -8,6 +8,7 @@
 #include <maya/MFnNumericAttribute.h>
 #include <maya/MFnTypedAttribute.h>
 #include <maya/MPxNode.h>
+#include <maya/MRampAttribute.h>
 
 namespace attr {
 
@@ -106,6 +107,20 @@ Row tuple(MObject& attribute, const char* longName, const char* shortName, std::
             part[count++] = *child.attribute;
     MFnNumericAttribute fn;
     attribute = fn.create(longName, shortName, part[0], part[1], part[2], part[3]);
+    return row(attribute, fn, role);
+}
+
+Row curveRamp(MObject& attribute, const char* longName, const char* shortName, Role role)
+{
+    attribute = MRampAttribute::createCurveRamp(longName, shortName);
+    MFnAttribute fn(attribute);
+    return row(attribute, fn, role);
+}
+
+Row colorRamp(MObject& attribute, const char* longName, const char* shortName, Role role)
+{
+    attribute = MRampAttribute::createColorRamp(longName, shortName);
+    MFnAttribute fn(attribute);
     return row(attribute, fn, role);
 }
 

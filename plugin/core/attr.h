@@ -50,6 +50,10 @@ Row compound(MObject& attribute, const char* longName, const char* shortName, st
 /// Two to four scalar attributes of one kind as one value: a vector, a range, a scale.
 Row tuple(MObject& attribute, const char* longName, const char* shortName, std::initializer_list<Row> children, Role);
 
+/// A ramp over positions 0 to 1. It starts without entries: `fillRamp` in postConstructor gives them.
+Row curveRamp(MObject& attribute, const char* longName, const char* shortName, Role);
+Row colorRamp(MObject& attribute, const char* longName, const char* shortName, Role);
+
 /// Rows around a row: the same attribute with more set on it.
 /// Any number of elements, sparse. Outputs can be filled with a data builder.
 Row multi(Row);

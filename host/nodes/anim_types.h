@@ -1,0 +1,8 @@
+// Node types of animation, sets and particles.
+#pragma once
+
+namespace mirk::nodes {
+
+void registerRemapValue();
+
+}  // namespace mirk::nodes
