@@ -43,10 +43,10 @@ public:
         aBottomCapScaleX, aBottomCapScaleY, aBottomCapScaleZ, aNormal, aDataPP, aPositionPP, aNormalPP, aRadiusPP,
         aWeightPP, aRgbaPP;
     static inline MObject aOverrideData, aPositionFalloff, aWeightFalloff, aColorFalloff, aAlphaFalloff,
-        aNormalFalloff, aRadiusFalloff, aPointRadius, aPointWeight, aPointColor, aPointColorR, aPointColorG,
-        aPointColorB, aPointAlpha;
-    static inline MObject aDisplayColor, aDisplayColorR, aDisplayColorG, aDisplayColorB, aDisplayPointVolumes,
-        aColorPointVolumes, aInParentMatrix, aInSkinMatrix;
+        aNormalFalloff, aRadiusFalloff, aPointRadius, aPointWeight, aPointColor, aPointColorRGB[3],
+        aPointAlpha;
+    static inline MObject aDisplayColor, aDisplayColorRGB[3], aDisplayPointVolumes, aColorPointVolumes,
+        aInParentMatrix, aInSkinMatrix;
     static inline CloudSourceAttributes aMesh, aCurve, aSurface, aParticle;
 
 private:

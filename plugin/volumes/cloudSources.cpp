@@ -29,7 +29,9 @@ namespace {
 class PerPoint
 {
 public:
-    PerPoint(const ArrayView& array, const double* instead) : array_(array), instead_(instead) {}
+    /// `channels` values a point; an array of another kind counts as none.
+    PerPoint(const ArrayView& array, const double* instead, unsigned int channels = 1)
+        : array_(array.stride == channels ? array : ArrayView()), instead_(instead) {}
 
     bool given() const { return array_.doubles != nullptr; }
     /// Value `k` of the point: past the array's end 0, without an array the default.
@@ -80,20 +82,13 @@ public:
             std::copy(instead_, instead_ + 4, rgba);
             return;
         }
-        const bool         flat = array_.kind == MFn::kDoubleArrayData;
-        const unsigned int step = flat ? 4 : array_.stride;
-        for (unsigned int k = 0; k < 4; ++k)
-            rgba[k] = 0.0;
-        if (std::size_t{i} >= std::size_t{array_.length} / (flat ? 4 : 1)) {
-            if (flat && std::size_t{i} * 4 < array_.length)   // a last colour that is cut short
-                for (std::size_t k = std::size_t{i} * 4; k < array_.length; ++k)
-                    rgba[k - std::size_t{i} * 4] = array_.doubles[k];
-            return;
-        }
-        const double* value = array_.doubles + std::size_t{step} * i;
-        std::copy(value, value + (flat ? 4 : 3), rgba);
+        const bool        flat = array_.kind == MFn::kDoubleArrayData;
+        const std::size_t next = std::size_t{i} * (flat ? 4 : array_.stride);
+        const std::size_t end = std::size_t{array_.length} * (flat ? 1 : array_.stride);
+        for (std::size_t k = 0; k < (flat ? 4 : 3); ++k)
+            rgba[k] = next + k < end ? array_.doubles[next + k] : 0.0;
         if (!flat)
-            rgba[3] = 1.0;
+            rgba[3] = i < array_.length ? 1.0 : 0.0;
     }
 
 private:
@@ -295,13 +290,14 @@ void gatherParticles(MDataBlock& block, const MObject& node, const CloudSourceAt
     const std::vector<unsigned int> indices = particleIndices(block, node, at, count);
     if (indices.empty())
         return;
-    const auto read = [&](const MObject& attribute, const MObject& use, const double* instead) {
-        return PerPoint(readPerPoint(block, node, attribute, use, count, 1, "inParticle"), instead);
+    const auto read = [&](const MObject& attribute, const MObject& use, const double* instead,
+                          unsigned int channels = 1) {
+        return PerPoint(readPerPoint(block, node, attribute, use, count, 1, "inParticle"), instead, channels);
     };
     const PerPoint radius = read(at.radius, at.useRadius, &defaults.radius);
-    const PerPoint velocity = read(at.velocity, at.useVelocity, defaults.velocity);
+    const PerPoint velocity = read(at.velocity, at.useVelocity, defaults.velocity, 3);
     const PerPoint weight = read(at.weight, at.useWeight, &defaults.weight);
-    const PerPoint color = read(at.color, at.useColor, defaults.rgba);
+    const PerPoint color = read(at.color, at.useColor, defaults.rgba, 3);
     // read under the switch of the colours; useOpacity has no effect, and scenes rely on it
     const PerPoint opacity = read(at.opacity, at.useColor, &defaults.rgba[3]);
     for (const unsigned int i : indices) {
