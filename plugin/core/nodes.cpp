@@ -32,6 +32,7 @@
 #include "dynamics/registered.h"
 #include "generators/registered.h"
 #include "spatial/registered.h"
+#include "volumes/boundingObject.h"
 #include "volumes/registered.h"
 
 namespace {

@@ -7,15 +7,6 @@
 
 class attributeTransfer : public Registered<attributeTransfer, MPxNode, 0x115750> {};
 
-class boundingObject : public Registered<boundingObject, MPxLocatorNode, 0x115743>
-{
-public:
-    static inline MString drawDbClassification{"drawdb/geometry/boundingObject"};
-    static inline MString drawRegistrantId{"BoundingObjectNodePlugin"};
-};
-using BoundingObjectDrawOverride = RegisteredOverride<boundingObject>;
-
-class boundingObjectManip : public Registered<boundingObjectManip, MPxManipContainer, 0x11574C> {};
 class compListToObjGrp : public Registered<compListToObjGrp, MPxNode, 0x115745> {};
 class group : public Registered<group, MPxNode, 0x115742> {};
 class multiAttributeTransfer : public Registered<multiAttributeTransfer, MPxNode, 0x115751> {};
