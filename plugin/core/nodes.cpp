@@ -33,6 +33,10 @@
 #include "generators/registered.h"
 #include "spatial/registered.h"
 #include "volumes/boundingObject.h"
+#include "volumes/compListToObjGrp.h"
+#include "volumes/componentToComponent.h"
+#include "volumes/group.h"
+#include "volumes/objGrpToCompList.h"
 #include "volumes/registered.h"
 
 namespace {
