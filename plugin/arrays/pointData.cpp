@@ -144,53 +144,21 @@ void readNormals(MDataBlock& block, const PointInput& input, MSpace::Space space
     }
 }
 
-/// Calls f(vertex, UV id) for each corner of each face that has a UV.
-template <class F>
-void eachCorner(const MFnMesh& mesh, const MString* uvSet, F&& f)
-{
-    MIntArray vertexCounts, vertices, uvCounts, uvIds;
-    if (!mesh.getVertices(vertexCounts, vertices) || !mesh.getAssignedUVs(uvCounts, uvIds, uvSet))
-        return;
-    const MIntArray &counts = uvCounts, &corners = vertices, &ids = uvIds, &sizes = vertexCounts;
-    unsigned int     corner = 0, next = 0;
-    for (unsigned int face = 0; face < sizes.length(); ++face) {
-        const auto size = static_cast<unsigned int>(sizes[face]);
-        const bool has = face < counts.length() && counts[face] == sizes[face];
-        for (unsigned int k = 0; has && k < size; ++k)
-            f(static_cast<unsigned int>(corners[corner + k]), ids[next + k]);
-        corner += size;
-        next += has ? size : 0;
-    }
-}
-
-/// One U, V a point. Most points have a single UV and take it from the table; the host is asked for the others.
-void readSharedMap(const MString& uvSetName, PointData& data)
+/// The UV table, and one U, V a point: 0, 0 for a point without.
+void readUVs(const MString& uvSetName, PointData& data)
 {
     const MString* uvSet = uvSetName.length() > 0 ? &uvSetName : nullptr;
-    MFnMesh        mesh(data.mesh);
-    mesh.getUVs(data.us, data.vs, uvSet);
-    constexpr int    kNone = -1, kSeveral = -2;
-    std::vector<int> uvOf(static_cast<std::size_t>(mesh.numVertices()), kNone);
-    eachCorner(mesh, uvSet, [&](unsigned int vertex, int id) {
-        int& at = uvOf[vertex];
-        at = at == kNone || at == id ? id : kSeveral;
-    });
-    MItMeshVertex      vertex(data.mesh);
-    const MFloatArray &us = data.us, &vs = data.vs;
-    double*            to = data.sharedMap.resize(2 * data.count);
+    MFnMesh(data.mesh).getUVs(data.us, data.vs, uvSet);
+    double*       to = data.sharedMap.resize(2 * data.count);
+    MItMeshVertex vertex(data.mesh);
     for (unsigned int i = 0; i < data.count; ++i, to += 2) {
-        const int id = uvOf[static_cast<std::size_t>(i) * data.step];
-        float2    uv = {0.0f, 0.0f};
-        int       previous = 0;
-        if (id >= 0) {
-            uv[0] = us[static_cast<unsigned int>(id)];
-            uv[1] = vs[static_cast<unsigned int>(id)];
-        } else if (id == kSeveral && vertex.setIndex(static_cast<int>(i * data.step), previous) &&
-                   !vertex.getUV(uv, uvSet)) {
+        float2 uv = {0.0f, 0.0f};
+        if (!vertex.getUV(uv, uvSet))
             uv[0] = uv[1] = 0.0f;
-        }
         to[0] = uv[0];
         to[1] = uv[1];
+        for (unsigned int k = 0; k < data.step; ++k)
+            vertex.next();
     }
 }
 
@@ -217,7 +185,7 @@ bool gatherPoints(MDataBlock& block, const PointInput& input, MSpace::Space spac
     readPositions(geometry, space, data);
     readColors(block, input, data);
     readNormals(block, input, space, data);
-    readSharedMap(input.uvSet, data);
+    readUVs(input.uvSet, data);
     return true;
 }
 
@@ -244,16 +212,19 @@ void gatherMap(const PointData& data, const MString& uvSetName, bool all, const 
 {
     if (data.mesh.isNull())
         return;
-    std::vector<bool> selected(data.count, all);
-    for (unsigned int k = 0; !all && k < subset.idCount; ++k)
-        selected[static_cast<std::size_t>(subset.id[k])] = true;
+    const MString*   uvSet = uvSetName.length() > 0 ? &uvSetName : nullptr;
     std::vector<int> user(data.us.length(), -1);
-    eachCorner(MFnMesh(data.mesh), uvSetName.length() > 0 ? &uvSetName : nullptr, [&](unsigned int vertex, int id) {
-        const unsigned int point = vertex / data.step;
-        if (vertex % data.step == 0 && point < data.count && selected[point] && id >= 0 &&
-            static_cast<std::size_t>(id) < user.size())
-            user[static_cast<std::size_t>(id)] = std::max(user[static_cast<std::size_t>(id)], static_cast<int>(point));
-    });
+    MItMeshVertex    vertex(data.mesh);
+    MIntArray        ids;
+    int              previous = 0;
+    for (unsigned int k = 0; k < subset.idCount; ++k) {   // ascending: the last point that uses an id stays
+        if (!vertex.setIndex(subset.id[k] * static_cast<int>(data.step), previous) || !vertex.getUVIndices(ids, uvSet))
+            continue;
+        for (unsigned int j = 0; j < ids.length(); ++j) {
+            if (ids[j] >= 0 && static_cast<std::size_t>(ids[j]) < user.size())
+                user[static_cast<std::size_t>(ids[j])] = subset.id[k];
+        }
+    }
     const auto inPlay = [&](int point) { return all || point >= 0; };
     out.count = static_cast<unsigned int>(std::count_if(user.begin(), user.end(), inPlay));
     int *id = out.ids.resizeInts(out.count), *point = out.points.resizeInts(out.count);
@@ -268,10 +239,16 @@ void gatherMap(const PointData& data, const MString& uvSetName, bool all, const 
 
 MBoundingBox boxOf(const PointData& data)
 {
-    MBoundingBox box;
-    for (unsigned int i = 0; i < std::min(data.count, data.positionCount); ++i)
-        box.expand(MPoint(data.at(i)[0], data.at(i)[1], data.at(i)[2]));
-    return box;
+    const unsigned int count = std::min(data.count, data.positionCount);
+    if (count == 0)
+        return {};
+    MPoint low(data.at(0)[0], data.at(0)[1], data.at(0)[2]), high = low;
+    for (unsigned int i = 1; i < count; ++i) {
+        const double* p = data.at(i);
+        low = MPoint(std::min(low.x, p[0]), std::min(low.y, p[1]), std::min(low.z, p[2]));
+        high = MPoint(std::max(high.x, p[0]), std::max(high.y, p[1]), std::max(high.z, p[2]));
+    }
+    return {low, high};
 }
 
 MBoundingBox boxOf(const PointData& data, const PointSubset& subset)
