@@ -42,7 +42,7 @@ void dropElement(Cell& element)
     if (eval::other::active)
         eval::other::hideElement(element);
     else
-        edit::removeElement(element);
+        edit::dropElement(element);
 }
 
 }  // namespace
