@@ -4,15 +4,12 @@
 
 class fluidAttributeToArray : public Registered<fluidAttributeToArray, MPxNode, 0x11575A> {};
 class point : public Registered<point, MPxNode, 0x115749> {};
-class remapArray : public Registered<remapArray, MPxNode, 0x11574F> {};
 class textureToArray : public Registered<textureToArray, MPxNode, 0x11574D> {};
 class vertexConstraint : public Registered<vertexConstraint, MPxNode, 0x11575E> {};
-class arrayToDynArrays : public Registered<arrayToDynArrays, MPxNode, 0x115764> {};
 class pfxToArray : public Registered<pfxToArray, MPxNode, 0x115767> {};
 class pointsOnMeshInfo : public Registered<pointsOnMeshInfo, MPxNode, 0x11576B> {};
 class arrayToTexture2D : public Registered<arrayToTexture2D, MPxNode, 0x11576E> {};
 class voronoiTexture3D : public Registered<voronoiTexture3D, MPxNode, 0x11576D> {};
-class createArray : public Registered<createArray, MPxNode, 0x115779> {};
 class mesh2arrays : public Registered<mesh2arrays, MPxNode, 0x1157A1> {};
 class multiRemapValue : public Registered<multiRemapValue, MPxNode, 0x11574E> {};
 class arrayExpression : public Registered<arrayExpression, MPxNode, 0x11574A> {};
