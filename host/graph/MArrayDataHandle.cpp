@@ -139,7 +139,7 @@ MStatus MArrayDataHandle::set(const MArrayDataBuilder& builder)
         const Cell& fresh = *builder.cell_;
         for (size_t i = cell_->elementCount(); i-- > 0;)
             if (!fresh.elementIfAny(cell_->elements->cells[i]->index))
-                edit::removeElement(*cell_->elements->cells[i]);
+                edit::dropElement(*cell_->elements->cells[i]);
         cell_->copyFrom(fresh);
         walkCells(*cell_, [](Cell& c) { c.flags |= Cell::kSet; });
     }
@@ -242,7 +242,7 @@ MStatus MArrayDataBuilder::removeElement(unsigned index)
         std::erase(cell_->elements->cells, c);
         delete c;
     } else {
-        edit::removeElement(*c);
+        edit::dropElement(*c);
     }
     return MS::kSuccess;
 }

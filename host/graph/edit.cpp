@@ -603,6 +603,18 @@ void putBack(Cell& element)
 
 }  // namespace
 
+void dropElement(Cell& element)
+{
+    bool connected = false;
+    walkCells(element, [&](Cell& c) { connected = connected || c.source || c.hasTargets(); });
+    if (!connected)
+        return removeElement(element);
+    walkCells(element, [](Cell& c) {
+        if (!c.isMulti())
+            c.setDefault();
+    });
+}
+
 void removeElement(Cell& element)
 {
     if (!element.isElement() || element.is(Cell::kRemoved))

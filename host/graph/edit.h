@@ -34,6 +34,8 @@ void setNumber(Cell& cell, double value, int component = 0);
 void setData(Cell& cell, Ref<Data> value);
 
 void removeElement(Cell& element);  ///< with its connections
+/// What a data block does to an element that gets no value: it goes, or holds its default if something is connected.
+void dropElement(Cell& element);
 void addDynamic(Node& node, Ref<Attribute> top);
 void deleteDynamic(Node& node, Attribute& top);
 void setFlag(Cell& cell, Cell::Flag flag, bool on);   ///< lock, keyable and channel-box overrides

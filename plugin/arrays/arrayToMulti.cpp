@@ -33,7 +33,10 @@ MStatus arrayToMulti::initialize()
         attr::typed(aInWeightPP, "inWeightPP", "iwpp", MFnData::kDoubleArray, attr::kInput),
         attr::multi(attr::compound(aOutWeightList, "outWeightList", "owl", {weight}, attr::kOutput)),
     };
-    return attr::declare(rows);
+    const MStatus status = attr::declare(rows);
+    attributeAffects(aEnvelope, aWeight);
+    attributeAffects(aInWeightPP, aWeight);
+    return status;
 }
 
 MStatus arrayToMulti::compute(const MPlug& plug, MDataBlock& block)
