@@ -18,7 +18,9 @@ MStatus decimateArray::initialize()
     };
     const attr::Row rows[] = {
         attr::generic(aInArray, "inArray", "ia", kinds, attr::kInput),
-        attr::generic(aOutArray, "outArray", "oa", kinds, attr::kOutput),
+        attr::generic(aOutArray, "outArray", "oa",   // points come in over connections of generic attributes
+                      {MFnData::kIntArray, MFnData::kFloatArray, MFnData::kDoubleArray, MFnData::kVectorArray,
+                       MFnData::kPointArray}, attr::kOutput),
         attr::compound(aStep, "step", "stp", {step(aStepA, "stepA", "stpa", 1.0), step(aStepB, "stepB", "stpb", 2.0)},
                        attr::kControl),
     };

@@ -196,6 +196,12 @@ TEST_F(ArrayArithmetic, ResizeAndDecimate)
     give("n.inArray", five);
     EXPECT_EQ(read("n.outArray"), (Array{'d', {10, 20, 30, 40}}));
     EXPECT_EQ(plug("n.stepB").asInt(), 4);
+    // points reach it by way of a generic output
+    run("file -force -new; createNode remapArray -name r; setAttr r.outArrayType 2; createNode decimateArray -name n;"
+        "connectAttr r.outArray n.inArray");
+    EXPECT_EQ(read("n.outArray"), (Array{'p', {0, 0, 0, 1}}));
+    give("r.inArray", kThreeVectors);
+    EXPECT_EQ(read("n.outArray"), (Array{'p', {1, 2, 3, 1}}));
 }
 
 TEST_F(ArrayArithmetic, Randomize)
