@@ -1,4 +1,5 @@
 // getAttr and setAttr.
+#include "anim/curve_node.h"
 #include "command/attr_value.h"
 #include "command/cmd_util.h"
 #include "command/message.h"
@@ -29,8 +30,9 @@ bool lockedAbove(const Cell& cell)
 
 bool sourceAbove(const Cell& cell)
 {
+    // what a curve animates can be set: the value lasts until the time changes
     for (const Cell* c = &cell; c; c = c->parent)
-        if (c->source)
+        if (c->source && !anim::curveDriving(*c))
             return true;
     return false;
 }
@@ -157,7 +159,7 @@ void checkWritable(const Cell& cell)
 {
     bool childSource = false;
     if (cell.attr->isCompound() && !cell.isMulti())
-        walkCells(const_cast<Cell&>(cell), [&](Cell& c) { childSource |= c.source != nullptr; });
+        walkCells(const_cast<Cell&>(cell), [&](Cell& c) { childSource |= c.source && !anim::curveDriving(c); });
     if (!cell.attr->is(Attribute::kWritable))
         fail("The attribute '" + plugText(cell) + "' is not writable and cannot be modified.");
     if (lockedAbove(cell) || sourceAbove(cell) || childSource)

@@ -1,5 +1,6 @@
 #include "command/commands.h"
 
+#include "command/anim_commands.h"
 #include "command/cmd_util.h"
 
 namespace mirk {
@@ -22,6 +23,8 @@ void registerCommands()
     registerTimeCommands();
     registerSystemCommands();
     registerPluginCommands();
+    registerKeyCommands();
+    registerKeyEditCommands();
 }
 
 }  // namespace mirk

@@ -33,6 +33,7 @@ void afterChange(Cell& cell);       ///< marks clean and set, spreads
 void setNumber(Cell& cell, double value, int component = 0);
 void setData(Cell& cell, Ref<Data> value);
 
+Cell& addElement(Cell& multi, int index);   ///< the element, made if missing; undo takes it out again
 void removeElement(Cell& element);  ///< with its connections
 void addDynamic(Node& node, Ref<Attribute> top);
 void deleteDynamic(Node& node, Attribute& top);

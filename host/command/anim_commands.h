@@ -1,0 +1,9 @@
+// Commands on keys, sets and particles: one function a file of them.
+#pragma once
+
+namespace mirk::command {
+
+void registerKeyCommands();
+void registerKeyEditCommands();
+
+}  // namespace mirk::command
