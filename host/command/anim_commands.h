@@ -5,5 +5,6 @@ namespace mirk::command {
 
 void registerKeyCommands();
 void registerKeyEditCommands();
+void registerSetCommands();
 
 }  // namespace mirk::command

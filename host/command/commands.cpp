@@ -25,6 +25,7 @@ void registerCommands()
     registerPluginCommands();
     registerKeyCommands();
     registerKeyEditCommands();
+    registerSetCommands();
 }
 
 }  // namespace mirk

@@ -117,6 +117,7 @@ void registerBuiltinNodes()
     nodes::registerNurbsMakers();
     nodes::registerRemapValue();
     anim::registerCurveTypes();
+    nodes::registerSetTypes();
     scene().onRemoved = selection::dropNode;
 }
 
