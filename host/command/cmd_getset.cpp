@@ -1,4 +1,5 @@
 // getAttr and setAttr.
+#include "anim/curve_node.h"
 #include "command/attr_value.h"
 #include "command/cmd_util.h"
 #include "command/message.h"
@@ -26,6 +27,15 @@ bool lockedAbove(const Cell& cell)
     for (const Cell* c = &cell; c; c = c->parent)
         if (c->is(Cell::kLocked))
             return true;
+    return false;
+}
+
+/// What a curve animates can be set: the value lasts until the time changes. So with other passive outputs.
+bool drivenAbove(Cell& cell)
+{
+    for (Cell* c = &cell; c; c = c->parent)
+        if (c->source)
+            return edit::isDriven(*c) && !anim::curveDriving(*c);
     return false;
 }
 
@@ -150,10 +160,10 @@ void checkWritable(const Cell& cell)
 {
     bool childSource = false;
     if (cell.attr->isCompound() && !cell.isMulti())
-        walkCells(const_cast<Cell&>(cell), [&](Cell& c) { childSource |= c.source && edit::isDriven(c); });
+        walkCells(const_cast<Cell&>(cell), [&](Cell& c) { childSource |= c.source && drivenAbove(c); });
     if (!cell.attr->is(Attribute::kWritable))
         fail("The attribute '" + plugText(cell) + "' is not writable and cannot be modified.");
-    if (lockedAbove(cell) || edit::isDriven(const_cast<Cell&>(cell)) || childSource)
+    if (lockedAbove(cell) || drivenAbove(const_cast<Cell&>(cell)) || childSource)
         fail("The attribute '" + plugText(cell) + "' is locked or connected and cannot be modified.");
 }
 

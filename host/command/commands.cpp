@@ -1,5 +1,6 @@
 #include "command/commands.h"
 
+#include "command/anim_commands.h"
 #include "command/cmd_util.h"
 
 namespace mirk {
@@ -24,6 +25,9 @@ void registerCommands()
     registerDisplayCommands();
     registerSystemCommands();
     registerPluginCommands();
+    registerKeyCommands();
+    registerKeyEditCommands();
+    registerSetCommands();
 }
 
 }  // namespace mirk

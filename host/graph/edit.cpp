@@ -622,6 +622,12 @@ void beforeChange(Cell& cell)
             throw Error("The attribute '" + nameOf(cell) + "' is locked or connected and cannot be modified.");
     if (eval::other::any() && !cell.node->computing)
         eval::other::forget(cell);
+    // what is set on a driven plug lasts until its source changes, which only a source that is up to date can tell
+    if (eval::depth() == 0)
+        walkCells(cell, [](Cell& c) {
+            if (c.source && c.is(Cell::kDirty))
+                eval::pull(c);
+        });
     if (!undo::recording() || cell.node->computing || (cell.flags & Cell::kPrivate))
         return;
     auto before = std::make_shared<Snapshot>(cell);
@@ -719,6 +725,20 @@ void dropElement(Cell& element)
         if (!c.isMulti())
             c.setDefault();
     });
+}
+
+Cell& addElement(Cell& multi, int index)
+{
+    if (Cell* present = multi.elementIfAny(index))
+        return *present;
+    Cell* made = multi.element(index);
+    if (!made)
+        throw Error("'" + nameOf(multi) + "' has no element " + std::to_string(index) + ".");
+    if (undo::recording() && !multi.node->computing) {
+        Hold hold(*made);
+        undo::push([=] { takeOut(*hold); }, [=] { putBack(*hold); });
+    }
+    return *made;
 }
 
 void removeElement(Cell& element)

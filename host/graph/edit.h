@@ -37,6 +37,7 @@ void afterChange(Cell& cell);       ///< marks clean and set, spreads
 void setNumber(Cell& cell, double value, int component = 0);
 void setData(Cell& cell, Ref<Data> value);
 
+Cell& addElement(Cell& multi, int index);   ///< the element, made if missing; undo takes it out again
 void removeElement(Cell& element);  ///< with its connections
 /// What a data block does to an element that gets no value: it goes, or holds its default if something is connected.
 void dropElement(Cell& element);
