@@ -39,6 +39,12 @@ double largest(const double* values, std::size_t n, bool vectors, double atLeast
     return most;
 }
 
+void setScaled(const double* in, std::size_t n, double factor, double* out)
+{
+    for (std::size_t i = 0; i < n; ++i)
+        out[i] = 0.0 + in[i] * factor;
+}
+
 void addScaled(const double* in, std::size_t n, double factor, double* out)
 {
     for (std::size_t i = 0; i < n; ++i)

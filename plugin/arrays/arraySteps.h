@@ -57,6 +57,12 @@ template <class T>
 void decimate(const T* in, std::size_t length, std::size_t stride, std::size_t keep, std::size_t of, T* out,
               std::size_t outLength)
 {
+    if (keep == 1 && stride == 1) {   // the usual case, without a copy call an element
+        outLength = std::min(outLength, (length + of - 1) / of);
+        for (std::size_t k = 0, i = 0; k < outLength; ++k, i += of)
+            out[k] = in[i];
+        return;
+    }
     std::size_t written = 0;
     for (std::size_t i = 0; i < length && written < outLength; i += of) {
         const std::size_t run = std::min({keep, length - i, outLength - written});
@@ -108,7 +114,8 @@ void randomize(const RandomRange& range, int seed, const T* in, std::size_t n, s
 
 // several arrays
 
-/// out += in * factor.
+/// out = 0 + in * factor, and out += in * factor.
+void setScaled(const double* in, std::size_t n, double factor, double* out);
 void addScaled(const double* in, std::size_t n, double factor, double* out);
 
 /// One of up to four arrays whose components make up the channels of another.

@@ -46,12 +46,14 @@ MStatus write(MDataBlock& block, const Attributes& attributes, OutArray::Kind ki
     constexpr std::size_t kBlock = 4096;   // what stays in the cache while all inputs go in
     for (std::size_t from = 0; from < n; from += kBlock) {
         const std::size_t to = std::min(from + kBlock, n);
-        std::fill(sum + from, sum + to, 0.0);
-        for (const Input& in : inputs) {
-            const std::size_t end = std::min(to, in.array.valueCount());
-            if (end > from)
-                steps::addScaled(in.array.doubles + from, end - from, in.multiplier, sum + from);
-        }
+        const auto inBlock = [&](const Input& in) { return std::clamp(in.array.valueCount(), from, to) - from; };
+        const std::size_t first = inputs.empty() ? 0 : inBlock(inputs[0]);
+        if (first > 0)
+            steps::setScaled(inputs[0].array.doubles + from, first, inputs[0].multiplier, sum + from);
+        std::fill(sum + from + first, sum + to, 0.0);
+        for (std::size_t k = 1; k < inputs.size(); ++k)
+            if (const std::size_t count = inBlock(inputs[k]))
+                steps::addScaled(inputs[k].array.doubles + from, count, inputs[k].multiplier, sum + from);
     }
     return out.publish(block, attributes.outArray);
 }

@@ -17,14 +17,17 @@ enum OutType : short { kDouble, kVector, kPoint, kInt };
 
 constexpr unsigned int kBlock = 1024;   ///< elements that are worked on at a time, so that no whole copy is made
 
-/// Calls f(flat values, first, count) for one run of values after the other, with what the remap made of them.
-template <class F>
-void eachRun(const ArrayView& in, const steps::Remap& remap, F&& f)
+/// Calls f(flat values, first, count) for one run of values after the other, with what the remap made of them. The runs
+/// stand where room(first, count) says, or where it gives null in memory of their own.
+template <class Room, class F>
+void eachRun(const ArrayView& in, const steps::Remap& remap, Room&& room, F&& f)
 {
-    double            run[3 * kBlock];
+    double            own[3 * kBlock];
     const std::size_t stride = flatStride(in);
     for (unsigned int from = 0; from < in.length; from += kBlock) {
         const unsigned int count = std::min(kBlock, in.length - from);
+        double*            place = room(from * stride, count * stride);
+        double*            run = place ? place : own;
         flatten(in, from, count, run);
         steps::remap(remap, run, count * stride);
         f(run, from * stride, count * stride);
@@ -66,7 +69,11 @@ public:
         else
             doubles_ = out_.resize(length);
     }
-    /// `first` is a multiple of three.
+    /// Where a run may be put together in place; null if it is to be put. Runs begin at multiples of three.
+    double* room(std::size_t first, std::size_t n)
+    {
+        return (type_ == kInt || type_ == kPoint || first + n > whole_) ? nullptr : doubles_ + first;
+    }
     void put(const double* values, std::size_t first, std::size_t n)
     {
         n = first < whole_ ? std::min(n, whole_ - first) : 0;
@@ -78,7 +85,7 @@ public:
                 to = std::copy_n(values + i, 3, to);
                 *to++ = 1.0;
             }
-        } else {
+        } else if (values != doubles_ + first) {
             std::copy_n(values, n, doubles_ + first);
         }
     }
@@ -164,13 +171,15 @@ MStatus remapArray::compute(const MPlug& plug, MDataBlock& block)
     double largest = 0.0;
     if (useRamp) {
         ramp = Ramp(thisMObject(), aRamp);
-        eachRun(in, remap, [&](const double* values, std::size_t, std::size_t n) {
+        const auto nowhere = [](std::size_t, std::size_t) -> double* { return nullptr; };
+        eachRun(in, remap, nowhere, [&](const double* values, std::size_t, std::size_t n) {
             largest = steps::largest(values, n, vectors, largest);
         });
     }
     const double scale = 1.0 / largest;   // of zeros alone: they are then looked up at no number
     Writer       out(block.inputValue(aOutArrayType).asShort(), std::size_t(in.length) * flatStride(in));
-    eachRun(in, remap, [&](double* values, std::size_t first, std::size_t n) {
+    const auto   room = [&](std::size_t first, std::size_t n) { return out.room(first, n); };
+    eachRun(in, remap, room, [&](double* values, std::size_t first, std::size_t n) {
         if (useRamp)
             throughRamp(ramp, scale, vectors, values, n);
         if (clamp)
