@@ -10,6 +10,10 @@
 #include "dynamics/registered.h"
 #include "generators/registered.h"
 #include "spatial/registered.h"
+#include "volumes/compListToObjGrp.h"
+#include "volumes/componentToComponent.h"
+#include "volumes/group.h"
+#include "volumes/objGrpToCompList.h"
 #include "volumes/registered.h"
 
 namespace {
