@@ -28,8 +28,10 @@ attr::Row real(MObject& attribute, const char* longName, const char* shortName, 
 
 attr::Row degrees(MObject& attribute, const char* longName, const char* shortName, double value)
 {
-    return attr::within(attr::numeric(attribute, longName, shortName, MFnNumericData::kFloat, value, kControl), 0, 180);
+    return attr::numeric(attribute, longName, shortName, MFnNumericData::kFloat, value, kControl);
 }
+
+attr::Row halfTurn(attr::Row row) { return attr::within(row, 0, 180); }
 
 attr::Row threshold(MObject& attribute, const char* longName, const char* shortName)
 {
@@ -76,9 +78,9 @@ attr::Row operationRow()
                         {real(Node::aDirectionX, "directionX", "dirx", 0.0),
                          real(Node::aDirectionY, "directionY", "diry", 1.0),
                          real(Node::aDirectionZ, "directionZ", "dirz", 0.0)}, kControl),
-            degrees(Node::aSpreadAngleMin, "spreadAngleMin", "sdamin", 0.0),
-            degrees(Node::aSpreadAngleMax, "spreadAngleMax", "sdamax", 180.0),
-            degrees(Node::aInBetweenAngle, "inBetweenAngle", "iba", 0.0),
+            halfTurn(degrees(Node::aSpreadAngleMin, "spreadAngleMin", "sdamin", 0.0)),
+            halfTurn(degrees(Node::aSpreadAngleMax, "spreadAngleMax", "sdamax", 180.0)),
+            halfTurn(degrees(Node::aInBetweenAngle, "inBetweenAngle", "iba", 0.0)),
             flag(Node::aUseInComp, "useInComponents", "usi", true),
             attr::text(Node::aInitialComp, "initialComponents", "ilc", kStored),
             attr::softMax(attr::atLeast(integer(Node::aDepth, "depth", "dpt", 0), 0), 10),

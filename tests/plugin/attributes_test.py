@@ -20,8 +20,14 @@ def same(what, found, expected):
 
 def kind(node, attribute):
     """Attributes made by a typed function set tell their type by their value."""
-    found = mc.attributeQuery(attribute, node=node, attributeType=True)
-    return mc.getAttr(node + '.' + attribute, type=True) if found == 'typed' else found
+    found = mc.attributeQuery(leaf(attribute), node=node, attributeType=True)
+    path = attribute.replace('.', '[0].', 1)              # the first element of a multi with children
+    return mc.getAttr(node + '.' + path, type=True) if found == 'typed' else found
+
+
+def leaf(attribute):
+    """Rows under a multi are named with their parents, as listAttr names them."""
+    return attribute.split('.')[-1]
 
 
 rows = []
@@ -36,12 +42,12 @@ for nodeType, attribute, short, type, default, values, role in rows:
     node = nodes[nodeType]
     order.setdefault(nodeType, []).append(attribute)
     what = nodeType + '.' + attribute
-    if not mc.attributeQuery(attribute, node=node, exists=True):
+    if not mc.attributeQuery(leaf(attribute), node=node, exists=True):
         failures.append(what + ': there is no such attribute')
         continue
 
     def query(**flag):
-        return mc.attributeQuery(attribute, node=node, **flag)
+        return mc.attributeQuery(leaf(attribute), node=node, **flag)
 
     same(what + ' short name', query(shortName=True), short)
     if not (type in ('mesh', 'componentList') and query(attributeType=True) == 'typed'):   # no value to ask
