@@ -10,7 +10,9 @@
 #include "dynamics/registered.h"
 #include "generators/registered.h"
 #include "spatial/registered.h"
+#include "volumes/attributeTransfer.h"
 #include "volumes/boundingObject.h"
+#include "volumes/multiAttributeTransfer.h"
 #include "volumes/registered.h"
 
 namespace {

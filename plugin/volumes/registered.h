@@ -5,10 +5,8 @@
 
 #include "core/registered.h"
 
-class attributeTransfer : public Registered<attributeTransfer, MPxNode, 0x115750> {};
 
 class compListToObjGrp : public Registered<compListToObjGrp, MPxNode, 0x115745> {};
 class group : public Registered<group, MPxNode, 0x115742> {};
-class multiAttributeTransfer : public Registered<multiAttributeTransfer, MPxNode, 0x115751> {};
 class objGrpToCompList : public Registered<objGrpToCompList, MPxNode, 0x115744> {};
 class componentToComponent : public Registered<componentToComponent, MPxNode, 0x115776> {};
