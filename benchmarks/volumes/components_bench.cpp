@@ -23,8 +23,10 @@ struct Place
     double x, z, size;
     bool   cube, contained;
 };
-constexpr Place kPlaces[] = {{-0.2, 0.1, 0.2, false, true}, {0.2, 0.2, 0.15, false, false}, {0.1, -0.3, 0.1, true, true},
-                             {-0.3, -0.2, 0.12, true, false}};
+constexpr Place kPlaces[] = {{-0.200713, 0.100291, 0.200337, false, true},
+                             {0.200519, 0.200873, 0.150211, false, false},
+                             {0.100463, -0.300137, 0.100419, true, true},
+                             {-0.300241, -0.200671, 0.120359, true, false}};
 
 MPlug plug(const std::string& name)
 {

@@ -138,6 +138,39 @@ TEST_F(ComponentBounds, CloudsOnlyWorkAsTheFirstBound)
     EXPECT_EQ(selected(), "f 0");                       // arrays of different lengths are no cloud
 }
 
+TEST_F(ComponentBounds, ManyBoundsEachByItsOwnRule)
+{
+    grid(3);
+    group("p.worldMesh[0]", "setAttr g.componentType 2");
+    for (int i = 0; i < 9; ++i) {   // each on one vertex of the diagonal or outside; only the last two take a face
+        const bool last = i > 6;
+        bound("b" + std::to_string(i), 1, placed(0.6, 0.6, 0.6, i == 7 ? 1.0 : -1.0, 0, i == 7 ? -1.0 : 1.0), last);
+        run("setAttr b" + std::to_string(i) + ".en " + std::to_string(last) + "; connectAttr b" + std::to_string(i) +
+            ".outData g.boundingObjects[" + std::to_string(i) + "]");
+    }
+    EXPECT_EQ(selected(), "f 0 8");
+    run("setAttr b0.en 1");                             // not contained: the faces around face 0 as well
+    EXPECT_EQ(selected(), "f 0 1 3 4 8");
+    for (int i = 0; i < 8; ++i)
+        run("setAttr b" + std::to_string(i) + ".en 1; setAttr b" + std::to_string(i) + ".cnt 1");
+    run("setAttr b7.en 0; setAttr b8.cnt 0");           // nine are on now and then
+    EXPECT_EQ(selected(), "f 0 1 3 4");
+}
+
+TEST_F(ComponentBounds, TheNodeItself)
+{
+    grid(3);
+    group("p.worldMesh[0]", "");
+    run("createNode transform -name t; move -1 0 1 t; createNode boundingObject -name b -parent t;"
+        "connectAttr t.worldMatrix[0] b.inParentMatrix; connectAttr b.outData.outParentMatrix g.boundingObjects[0].boundParentMatrix;"
+        "connectAttr b.outData g.boundingObjects[0]");
+    EXPECT_EQ(selected(), "v 0 1 4 5");
+    run("setAttr t.scale 2 2 2");
+    EXPECT_EQ(selected(), "v 0 1 2 4 5 6 8 9");
+    run("setAttr b.envelope 0");
+    EXPECT_EQ(selected(), "v 116");
+}
+
 TEST_F(ComponentBounds, DegenerateBounds)
 {
     grid(3);
