@@ -9,6 +9,7 @@ add_test(NAME check.NodeTable
   COMMAND "${CMAKE_COMMAND}" "-DMIRK=$<TARGET_FILE:mirk>" "-DLIST=${CMAKE_SOURCE_DIR}/tests/plugin/nodes.tsv"
           -P "${CMAKE_SOURCE_DIR}/cmake/checks/NodeTable.cmake")
 add_test(NAME plugin.Attributes COMMAND mirk run "${CMAKE_SOURCE_DIR}/tests/plugin/attributes_test.py")
+add_test(NAME plugin.Examples COMMAND mirk run "${CMAKE_SOURCE_DIR}/tests/plugin/examples_test.py")
 
 # examples: each tells by its exit status whether its network gave what it should
 foreach(example arrays_arithmetic arrays_converters arrays_uvs)

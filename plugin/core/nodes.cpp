@@ -32,12 +32,13 @@
 #include "dynamics/registered.h"
 #include "generators/registered.h"
 #include "spatial/registered.h"
+#include "volumes/attributeTransfer.h"
 #include "volumes/boundingObject.h"
 #include "volumes/compListToObjGrp.h"
 #include "volumes/componentToComponent.h"
 #include "volumes/group.h"
+#include "volumes/multiAttributeTransfer.h"
 #include "volumes/objGrpToCompList.h"
-#include "volumes/registered.h"
 
 namespace {
 

@@ -24,6 +24,8 @@ public:
     Subset(MDataBlock& block, SubsetMode mode, const SubsetSource& source);
 
     bool all() const { return mode_ == SubsetMode::kAll; }
+    /// What was found to select by; null for nothing.
+    const MObject& component() const { return component_; }
     /// True if the component that an iterator stands on is selected. Always true for kAll.
     bool has(const MObject& item) const { return all() || list_.has(item); }
     /// Indices of a single-indexed component in its own order up to the first one outside the geometry, which ends the

@@ -14,12 +14,6 @@ struct ComponentBounds
     std::vector<double>         radii;
 };
 
-/// Points, three numbers each, that are inside a sphere, cube or capsule.
-Marks pointsInside(const std::vector<double>& xyz, const volume::Volume& volume);
-/// Points that at least one of the spheres reaches.
-Marks pointsInside(const std::vector<double>& xyz, const std::vector<volume::Vec>& centers,
-                   const std::vector<double>& radii);
-
 /// The components of a kind, `count` of them, that a bound takes in: with all of their points if it is `contained`, else
 /// with one at least. A cloud does not look at `contained`. `xyz` are the points of the geometry; `mesh` has the tables
 /// that the kind asks for.

@@ -1,6 +1,7 @@
 #include "volumes/componentGeometry.h"
 
 #include <maya/MFloatVectorArray.h>
+#include <maya/MFnGeometryData.h>
 #include <maya/MFnMesh.h>
 #include <maya/MFnMeshData.h>
 #include <maya/MFnNurbsCurve.h>
@@ -266,10 +267,16 @@ Marks ComponentGeometry::ofFaces(const Marks& faces)
 
 std::vector<double> ComponentGeometry::vertexPoints() const
 {
+    if (mesh_.isNull())
+        return {};
+    MObject       object = mesh_;
+    const MFnMesh mesh(object);
+    if (space_ == MSpace::kObject || MFnGeometryData(object).matrixIsIdentity()) {   // read them where they are
+        const float* raw = mesh.getRawPoints();
+        return raw ? std::vector<double>(raw, raw + 3 * static_cast<std::size_t>(mesh.numVertices())) : std::vector<double>();
+    }
     MPointArray points;
-    MObject     mesh = mesh_;
-    if (!mesh.isNull())
-        MFnMesh(mesh).getPoints(points, space_);
+    mesh.getPoints(points, space_);
     return toTriples(points);
 }
 
