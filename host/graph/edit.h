@@ -22,6 +22,10 @@ void checkConnect(Cell& source, Cell& target, bool force = false);
 void disconnect(Cell& source, Cell& target);
 /// Why a connection is not possible; empty if it is.
 std::string whyNot(const Attribute& source, const Attribute& target);
+/// True if `out` depends on `in`, both of one node: by the node's own word, else by what its type declares.
+bool dependsOn(Cell& out, Cell& in);
+/// True if the cell is driven by a connection that does not let it be set by hand.
+bool isDriven(Cell& cell);
 /// True if dirt on `target` would reach `source`.
 bool wouldCycle(Cell& source, Cell& target);
 
