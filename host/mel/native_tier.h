@@ -44,7 +44,9 @@ using MirkMakeNative = std::unique_ptr<NativeCode> (*)(const Body& body, const N
 
 /// Whether code gets native when it is hot; starts as the environment variable MIRK_MEL_NATIVE says (0: off).
 bool nativeEnabled();
-void setNative(bool on);
+/// `hotTurns`: code is hot after so many turns of loops or calls.
+void setNative(bool on, int hotTurns = 1000);
+int  hotTurns();
 /// Compiles the body unless that was tried before; null without effect if the tier is off or missing.
 const NativeCode* nativeCode(const Body& body, const std::atomic<bool>& interrupt);
 

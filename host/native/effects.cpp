@@ -27,7 +27,7 @@ bool isPure(uint16_t op)
 {
     switch (op)
     {
-    case OP_MOV: case OP_MOVV: case OP_I2F: case OP_F2I: case OP_V2F: case OP_F2V: case OP_FTOB: case OP_VTOB:
+    case OP_MOV: case OP_MOVI: case OP_MOVV: case OP_I2F: case OP_F2I: case OP_V2F: case OP_F2V: case OP_FTOB: case OP_VTOB:
     case OP_ADDI: case OP_SUBI: case OP_MULI: case OP_NEGI: case OP_NOTI: case OP_INCI:
     case OP_ADDF: case OP_SUBF: case OP_MULF: case OP_NEGF: case OP_NOTF:
     case OP_ADDV: case OP_SUBV: case OP_MULVF: case OP_DOTV: case OP_CROSSV: case OP_NEGV: case OP_MKV:
@@ -46,6 +46,7 @@ bool covered(const Body& body, const Instr& in)
     switch (in.op)
     {
     case OP_MOV:
+    case OP_MOVI:
         return body.types[in.a] == body.types[in.b] && isNumber(body.types[in.a]);
     case OP_SIZEA:
         return plain(in.b);
@@ -126,6 +127,7 @@ Effects effectsOf(const Body& body, const Instr& in)
     switch (in.op)
     {
     case OP_MOV:
+    case OP_MOVI:
         e.def(in.a, body.types[in.a]);
         e.use(in.b, body.types[in.b]);
         break;
