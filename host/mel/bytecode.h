@@ -51,6 +51,7 @@ struct ProcSlot
 {
     std::string                     name;
     std::shared_ptr<const Function> function;   ///< null: not defined (yet)
+    const Function*                 current = nullptr;   ///< the same, where machine code looks
     bool                            local = false;
 };
 
@@ -131,7 +132,7 @@ struct Body
 
     mutable std::unique_ptr<NativeCode> native;   ///< once it was hot
     mutable bool                  nativeTried = false;
-    mutable int32_t               calls = 0;
+    mutable int32_t               calls = 0, remakes = 0;
 };
 
 /// How positions of the first text of a body move in another one, whose numbers have other lengths.

@@ -75,6 +75,7 @@ void Machine::define(ProcSlot& slot, const std::shared_ptr<const Function>& func
     if (slot.function)
         retired_.push_back(std::move(slot.function));
     slot.function = function;
+    slot.current = function.get();
     if (retired_.size() < maxRetired_)
         return;
     std::unordered_set<const Function*> running;
@@ -232,6 +233,15 @@ bool Machine::entersNative(const Body& body)
 {
     body.calls = 0;
     return nativeCode(body, interruptFlag);
+}
+
+/// Makes machine code anew when a procedure that became part of it has been redefined, but not for ever.
+void Machine::renewNative(const Body& body)
+{
+    if (!body.native->stale())
+        return;
+    body.native.reset();
+    body.nativeTried = ++body.remakes > 20;
 }
 
 // ---- errors
@@ -408,7 +418,7 @@ L_enterNative:
     if (!native || !nativeEnabled())
         GO();
     const void* at = native->entries[size_t(ip - code)];
-    if (!at)
+    if (!at || frameCount() + 1 >= kMaxFrames || size_t(end_ - top_) < native->furtherSlots)
     {
         turns = 1;   // at the next turn of a loop, then
         GO();
@@ -417,6 +427,8 @@ L_enterNative:
         if (!r[reg].p)
             freshArray(type, r[reg], 0);
     ip = code + native->run(r, at);
+    if (ip->op == OP_CALLP && !native->taken.empty())
+        renewNative(*fp->function->body);
     table = traps;
     goto* labels[ip->op];
 }

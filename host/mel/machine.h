@@ -42,6 +42,7 @@ private:
     void  execute(size_t bottom, Value& result);
     void  callProc(const Site& site, Slot* from);
     bool  entersNative(const Body& body);
+    void  renewNative(const Body& body);
     void  handle(size_t bottom);
     void  readGlobalsKeeping(Type result, uint16_t reg);
     static void giveResult(Type type, Slot* out, Slot* value);

@@ -22,6 +22,17 @@ public:
     std::vector<const void*> entries;   ///< where to enter at an instruction; null: not there
     std::vector<std::pair<Type, uint16_t>> arrays;   ///< registers that must hold their array
     size_t                   bytes = 0;
+    size_t                   furtherSlots = 0;   ///< used behind the frame's registers
+    /// Procedures that became part of the code, in place of calls.
+    std::vector<std::pair<const ProcSlot*, std::shared_ptr<const Function>>> taken;
+
+    bool stale() const
+    {
+        for (const auto& [slot, function] : taken)
+            if (slot->current != function.get())
+                return true;
+        return false;
+    }
 };
 
 /// What machine code needs of the interpreter.

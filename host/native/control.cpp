@@ -228,7 +228,7 @@ void Emitter::callMath(size_t pc, const Instr& in)
 /// Operands and result of other built-in functions pass through the frame.
 void Emitter::callBuiltIn(size_t pc, const Instr& in)
 {
-    const Site&                 site = body_.sites[size_t(in.i)];
+    const Site&                 site = original_.sites[size_t(in.i)];   // lives as long as the code
     const std::vector<uint16_t> kept = analysis_.aliveBefore(pc);
     const Effects               e = effectsOf(body_, in);
     save(kept);
