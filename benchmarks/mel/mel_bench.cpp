@@ -182,7 +182,7 @@ void PointExpression(benchmark::State& state)
         for (bool native : {false, true})
         {
             mirk::mel::setNative(native);
-            for (int k = 0; k < 3; ++k)
+            for (int k = 0; k < 4; ++k)
             {
                 MDoubleArray result;
                 const double start = cpuSeconds();
@@ -216,7 +216,7 @@ void ArrayExpression(benchmark::State& state)
         for (bool native : {false, true})
         {
             mirk::mel::setNative(native);
-            for (int k = 0; k < 3; ++k)
+            for (int k = 0; k < 4; ++k)
             {
                 const std::string text = global + "global proc ARRAYEXPRESSION(){\nint $count; string $NODE = \"gen\"; float $TIME = " + std::to_string(k + 0.25) +
                                          "; int $FRAME = (int)$TIME;\n" + local + "int $COUNT = $count;\n\n// START\n\nfor($i = 0; $i < $count; ++$i){int $ID = $i;\n" + loads +

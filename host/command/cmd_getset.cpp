@@ -1,6 +1,7 @@
 // getAttr and setAttr.
 #include "command/attr_value.h"
 #include "command/cmd_util.h"
+#include "command/lend.h"
 #include "command/message.h"
 #include "graph/evaluate.h"
 #include "io/ma_mesh.h"
@@ -94,7 +95,8 @@ Cell& firstInstance(Cell& cell)
 
 Value getAttr(Call& call)
 {
-    const Strings plugs = call.names();
+    Lending* const lending = Lending::take();
+    const Strings  plugs = call.names();
     if (plugs.empty())
         fail("No attribute was specified.");
     if (call.has("time"))
@@ -114,7 +116,7 @@ Value getAttr(Call& call)
             return out;
         if (call.has("asString") && cell.attr->kind == AttrKind::kEnum && !cell.isMulti())
             return eval::pull(cell), Value(enumText(cell));
-        return readPlug(cell, call);
+        return readPlug(cell, call, lending);
     }
     Strings texts;
     std::vector<double> numbers;

@@ -5,6 +5,7 @@
 #include <optional>
 #include <unordered_set>
 
+#include "command/lend.h"
 #include "command/value_text.h"
 #include "mel/dynamic.h"
 #include "mel/interpreter.h"
@@ -27,6 +28,39 @@ int32_t wrap(int64_t v) { return int32_t(uint32_t(uint64_t(v))); }
 double  length(const Vec3& v) { return std::sqrt(v.x * v.x + v.y * v.y + v.z * v.z); }
 
 [[noreturn]] void divideByZero() { throw Error("Divide by zero."); }
+
+/// Whether a call reads an attribute into an array and the value has no other reader.
+bool borrows(const Site& site, const Instr* call)
+{
+    const Instr& next = call[1];
+    return next.op == OP_FROMD && next.b == call->a && next.c && (Type(next.i) == Type::kFloats || Type(next.i) == Type::kInts) &&
+           site.name == "getAttr" && !symbols().defined(site.name);
+}
+
+/// Puts what was lent into a variable; false if nothing was.
+bool borrowed(command::Lending& from, Type type, Slot& to)
+{
+    if (from.ints && type == Type::kInts)
+        object<IntArray>(to).adopt(std::move(from.ints));
+    else if (from.ints)
+    {
+        const auto& b = std::as_const(*from.ints);
+        auto        all = make<Buffer<double>>(b.size());
+        std::copy(b.begin(), b.end(), all->begin());
+        object<FloatArray>(to).adopt(std::move(all));
+    }
+    else if (!from.holder)
+        return false;
+    else if (type == Type::kFloats)
+        object<FloatArray>(to).borrow(from.floats, from.count, std::move(from.holder));
+    else
+    {
+        auto all = make<Buffer<int32_t>>(from.count);
+        std::transform(from.floats, from.floats + from.count, all->begin(), intFromDouble);
+        object<IntArray>(to).adopt(std::move(all));
+    }
+    return true;
+}
 
 }  // namespace
 
@@ -653,6 +687,20 @@ L_CALLD:
     const bool globals = !fp->function->body->bound.empty();
     if (globals)
         writeGlobals(*fp);
+    if (borrows(sites[ip->i], ip))
+    {
+        command::Lending lending;
+        Value            v = callDynamic(sites[ip->i], r);
+        if (globals)
+            readGlobals(*fp);
+        if (borrowed(lending, Type(ip[1].i), r[ip[1].a]))
+        {
+            ip += 2;
+            GO();
+        }
+        fromValue(std::move(v), Type::kDyn, &A);
+        NEXT();
+    }
     Value v = callDynamic(sites[ip->i], r);
     if (globals)
         readGlobals(*fp);

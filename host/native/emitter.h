@@ -80,6 +80,7 @@ private:
     void element(size_t pc, const Instr& in);
     void getElement(size_t pc, const Instr& in);
     void setElement(size_t pc, const Instr& in);
+    void storeElement(const Instr& in, const Gp& index);
     void growElement(size_t pc, const Instr& in, const Gp& index, const Label& done);
     void arraySize(const Instr& in);
     void callMath(size_t pc, const Instr& in);

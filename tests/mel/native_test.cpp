@@ -74,7 +74,7 @@ private:
     std::string intVar() { return pick({"$i0", "$i1", "$i2", "$i3"}); }
     std::string floatVar() { return pick({"$f0", "$f1", "$f2", "$f3"}); }
     std::string vectorVar() { return pick({"$v0", "$v1"}); }
-    std::string index(int depth) { return below(25) ? "abs(" + intOf(depth) + ") % 37" : intOf(depth); }
+    std::string index(int depth) { return below(25) ? "abs(" + intOf(depth) + ") % 37" : intOf(depth) + " % 5000"; }
 
     std::string intOf(int depth)
     {
