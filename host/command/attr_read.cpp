@@ -4,6 +4,7 @@
 #include <maya/MString.h>
 
 #include "command/attr_value.h"
+#include "command/lend.h"
 #include "dag/component_text.h"
 #include "dag/dag.h"
 #include "graph/evaluate.h"
@@ -31,6 +32,24 @@ Floats copied(const T* values, size_t n)
     for (size_t i = 0; i < n; ++i)
         (*out)[i] = double(values[i]);
     return out;
+}
+
+/// Leaves the buffer of the data with the borrower: while both hold it, a write on either side copies first.
+bool lend(const Data* data, Lending& to)
+{
+    const auto flat = [&](const auto& buffer, size_t width) {
+        to.floats = reinterpret_cast<const double*>(std::as_const(*buffer).data());
+        to.count = buffer->size() * width;
+        to.holder = std::make_shared<std::decay_t<decltype(buffer)>>(buffer);
+        return true;
+    };
+    switch (data->type())
+    {
+    case MFnData::kVectorArray: return flat(static_cast<const VectorArrayData*>(data)->buffer, 3);
+    case MFnData::kPointArray:  return flat(static_cast<const PointArrayData*>(data)->buffer, 4);
+    case MFnData::kIntArray:    to.ints = static_cast<const IntArrayData*>(data)->buffer; return true;
+    default:                    return false;
+    }
 }
 
 Strings stringsOf(const StringArrayData& data)
@@ -147,7 +166,7 @@ bool allInteger(const Attribute& a)
 
 }  // namespace
 
-Value readPlug(Cell& cell, Call& call)
+Value readPlug(Cell& cell, Call& call, Lending* lending)
 {
     const Attribute& a = *cell.attr;
     if (a.kind == AttrKind::kMessage)
@@ -161,6 +180,8 @@ Value readPlug(Cell& cell, Call& call)
     if (!cell.isMulti() && a.store == Store::kData)
     {
         const Data* data = cell.data();
+        if (data && lending && lend(data, *lending))
+            return Value();
         if (data)
             return dataValue(cell, data, call);
         if (a.dataType == MFnData::kString)

@@ -4,9 +4,12 @@
 
 namespace mirk::command {
 
+class Lending;
+
 /// The value in the user's units; evaluates. Arrays come as flat float arrays on the attribute's own buffer where the
 /// kinds agree. Errors for kinds that have no value in the languages (messages, geometry).
-Value readPlug(Cell& cell, Call& call);
+/// With `lending`, an array that it takes is left there and nothing is returned.
+Value readPlug(Cell& cell, Call& call, Lending* lending = nullptr);
 /// The name getAttr -type and setAttr -type use: "double3", "mesh", "Int32Array"; "" if there is none.
 std::string typeNameOf(const Cell& cell);
 std::string typeNameOf(const Attribute& attr);

@@ -2,6 +2,7 @@
 #include "anim/curve_node.h"
 #include "command/attr_value.h"
 #include "command/cmd_util.h"
+#include "command/lend.h"
 #include "command/message.h"
 #include "graph/context.h"
 #include "graph/edit.h"
@@ -98,7 +99,8 @@ Cell& firstInstance(Cell& cell)
 
 Value getAttr(Call& call)
 {
-    const Strings plugs = call.names();
+    Lending* const lending = Lending::take();
+    const Strings  plugs = call.names();
     if (plugs.empty())
         fail("No attribute was specified.");
     const eval::At context(call.has("time") ? eval::When{false, timeSeconds(call.use("time")->args[0])} : eval::now());
@@ -117,7 +119,7 @@ Value getAttr(Call& call)
             return out;
         if (call.has("asString") && cell.attr->kind == AttrKind::kEnum && !cell.isMulti())
             return eval::pull(cell), Value(enumText(cell));
-        return readPlug(cell, call);
+        return readPlug(cell, call, lending);
     }
     Strings texts;
     std::vector<double> numbers;

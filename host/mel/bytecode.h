@@ -16,7 +16,7 @@ namespace mirk::mel {
 
 // a, b, c: registers; i: immediate or jump target
 #define MIRK_MEL_OPS(X) \
-    X(MOV) X(MOVV) X(MOVS) \
+    X(MOV) X(MOVI) X(MOVV) X(MOVS) \
     X(I2F) X(F2I) X(V2F) X(F2V) X(I2S) X(F2S) X(V2S) X(S2F) X(FTOB) X(VTOB) X(TOD) X(FROMD) X(D2B) X(CONV) \
     X(ADDI) X(SUBI) X(MULI) X(DIVI) X(MODI) X(NEGI) X(NOTI) X(INCI) \
     X(ADDF) X(SUBF) X(MULF) X(DIVF) X(MODF) X(NEGF) X(NOTF) \
@@ -51,6 +51,7 @@ struct ProcSlot
 {
     std::string                     name;
     std::shared_ptr<const Function> function;   ///< null: not defined (yet)
+    const Function*                 current = nullptr;   ///< the same, where machine code looks
     bool                            local = false;
 };
 
@@ -131,7 +132,7 @@ struct Body
 
     mutable std::unique_ptr<NativeCode> native;   ///< once it was hot
     mutable bool                  nativeTried = false;
-    mutable int32_t               calls = 0;
+    mutable int32_t               calls = 0, remakes = 0;
 };
 
 /// How positions of the first text of a body move in another one, whose numbers have other lengths.

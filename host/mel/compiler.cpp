@@ -20,6 +20,8 @@ void Codegen::fail(const Node* n, const std::string& message) const { throw erro
 
 int Codegen::emit(OpCode op, int a, int b, int c, int i)
 {
+    if (op == OP_MOV && fn_->types[size_t(a)] == Type::kInt)
+        op = OP_MOVI;   // no wider than what was written: the processor would wait
     fn_->code.push_back({uint16_t(op), uint16_t(a), uint16_t(b), uint16_t(c), i});
     fn_->offsets.push_back(offset_);
     return here() - 1;

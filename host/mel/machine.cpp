@@ -3,7 +3,9 @@
 #include <cmath>
 #include <new>
 #include <optional>
+#include <unordered_set>
 
+#include "command/lend.h"
 #include "command/value_text.h"
 #include "mel/dynamic.h"
 #include "mel/interpreter.h"
@@ -21,12 +23,44 @@ namespace {
 constexpr size_t kStackSlots = size_t(1) << 22;   // 32 MB, mapped as it is used
 constexpr size_t kMaxFrames = 50000;
 constexpr int    kMaxDepth = 100;                 // entries from outside use the native stack
-constexpr int    kHotTurns = 1000, kHotCalls = 500;
 
 int32_t wrap(int64_t v) { return int32_t(uint32_t(uint64_t(v))); }
 double  length(const Vec3& v) { return std::sqrt(v.x * v.x + v.y * v.y + v.z * v.z); }
 
 [[noreturn]] void divideByZero() { throw Error("Divide by zero."); }
+
+/// Whether a call reads an attribute into an array and the value has no other reader.
+bool borrows(const Site& site, const Instr* call)
+{
+    const Instr& next = call[1];
+    return next.op == OP_FROMD && next.b == call->a && next.c && (Type(next.i) == Type::kFloats || Type(next.i) == Type::kInts) &&
+           site.name == "getAttr" && !symbols().defined(site.name);
+}
+
+/// Puts what was lent into a variable; false if nothing was.
+bool borrowed(command::Lending& from, Type type, Slot& to)
+{
+    if (from.ints && type == Type::kInts)
+        object<IntArray>(to).adopt(std::move(from.ints));
+    else if (from.ints)
+    {
+        const auto& b = std::as_const(*from.ints);
+        auto        all = make<Buffer<double>>(b.size());
+        std::copy(b.begin(), b.end(), all->begin());
+        object<FloatArray>(to).adopt(std::move(all));
+    }
+    else if (!from.holder)
+        return false;
+    else if (type == Type::kFloats)
+        object<FloatArray>(to).borrow(from.floats, from.count, std::move(from.holder));
+    else
+    {
+        auto all = make<Buffer<int32_t>>(from.count);
+        std::transform(from.floats, from.floats + from.count, all->begin(), intFromDouble);
+        object<IntArray>(to).adopt(std::move(all));
+    }
+    return true;
+}
 
 }  // namespace
 
@@ -36,32 +70,53 @@ Machine& machine()
     return *one;
 }
 
-Machine::Machine() : stack_(new Slot[kStackSlots]), top_(stack_.get()), end_(top_ + kStackSlots) {}
+Machine::Machine()
+    : stack_(new Slot[kStackSlots]), top_(stack_.get()), end_(top_ + kStackSlots), frames_(new Frame[kMaxFrames + 1]), frame_(frames_.get())
+{
+}
 Machine::~Machine() = default;
 
 // ---- frames
 
-void Machine::push(std::shared_ptr<const Function> f)
+void Machine::push(const Function& f)
 {
-    const size_t need = f->start.size();
-    if (frames_.size() >= kMaxFrames || size_t(end_ - top_) < need)
+    const size_t need = f.start.size();
+    if (frameCount() >= kMaxFrames || size_t(end_ - top_) < need) [[unlikely]]
         throw Error("Stack overflow: procedures call each other too deeply.");
-    Slot* base = top_;
-    std::copy(f->start.begin(), f->start.end(), base);
+    Slot* const base = top_;
+    const Slot* const start = f.start.data();
+    for (size_t k = 0; k < need; ++k)
+        base[k] = start[k];
     top_ += need;
-    const Body& fn = *f->body;
-    frames_.push_back({std::move(f), base, fn.code.data()});
-    if (!fn.bound.empty())
-        readGlobals(frames_.back());
+    *++frame_ = {&f, base, f.body->code.data()};
+    if (!f.body->bound.empty())
+        readGlobals(*frame_);
 }
 
 void Machine::pop()
 {
-    const Frame& f = frames_.back();
+    const Frame& f = *frame_--;
     for (uint16_t r : f.function->body->heap)
         release(f.base[r].p);
     top_ = f.base;
-    frames_.pop_back();
+}
+
+/// The code before stays as long as a frame may run it.
+void Machine::define(ProcSlot& slot, const std::shared_ptr<const Function>& function)
+{
+    if (slot.function == function)
+        return;
+    if (slot.function)
+        retired_.push_back(std::move(slot.function));
+    slot.function = function;
+    slot.current = function.get();
+    if (retired_.size() < maxRetired_)
+        return;
+    std::unordered_set<const Function*> running;
+    for (const Frame* f = frame_; f != frames_.get(); --f)
+        running.insert(f->function);
+    std::erase_if(retired_, [&](const auto& f) { return !running.count(f.get()); });
+    maxRetired_ = std::max<size_t>(256, retired_.size() * 2);
 }
 
 void Machine::writeGlobals(Frame& f)
@@ -104,22 +159,26 @@ Value Machine::call(std::shared_ptr<const Function> f, std::span<const Value> ar
 {
     if (depth >= kMaxDepth)
         throw Error("Stack overflow: scripts run each other too deeply.");
-    const size_t bottom = frames_.size();
+    const size_t bottom = frameCount();
     struct Level
     {
-        explicit Level(int& d) : d(d) { ++d; }
-        ~Level() { --d; }
-        int& d;
-    } level(depth);
+        explicit Level(Machine& m) : m(m) { ++m.depth; }
+        ~Level()
+        {
+            if (--m.depth == 0)
+                m.retired_.clear();
+        }
+        Machine& m;
+    } level(*this);
     const Body& fn = *f->body;
     if (args.size() != fn.params.size())
         throw Error("Wrong number of arguments on call to " + fn.name + ".");
     Value result;
-    push(std::move(f));
+    push(*f);
     try
     {
         for (size_t k = 0; k < args.size(); ++k)
-            fromValue(args[k], fn.params[k].first, frames_.back().base + fn.params[k].second);
+            fromValue(args[k], fn.params[k].first, frame_->base + fn.params[k].second);
     }
     catch (...)
     {
@@ -175,26 +234,25 @@ void Machine::callSlow(const Site& site, Slot* registers, uint16_t out)
         fromValue(std::move(v), site.result, registers + out);
 }
 
-void Machine::callProc(const Site& site, Frame& caller)
+void Machine::callProc(const Site& site, Slot* from)
 {
-    const Body& fn = *site.proc->function->body;
-    Slot* const     from = caller.base;
-    push(site.proc->function);
-    Slot* const to = frames_.back().base;
-    for (size_t k = 0; k < site.args.size(); ++k)
+    const Function& f = *site.proc->function;
+    push(f);
+    Slot* const to = frame_->base;
+    const auto* param = f.body->params.data();
+    for (const Site::Arg& arg : site.args)
     {
-        const auto [type, reg] = fn.params[k];
-        Slot* a = from + site.args[k].reg;
-        if (isArray(type))
+        const auto [type, reg] = *param++;
+        Slot* a = from + arg.reg;
+        if (type == Type::kInt)
+            to[reg].i = a->i;
+        else if (type == Type::kFloat)
+            to[reg].d = a->d;
+        else if (isArray(type))
         {
             // by reference: the same object
-            switch (type)
-            {
-            case Type::kInts:    object<IntArray>(*a); break;
-            case Type::kFloats:  object<FloatArray>(*a); break;
-            case Type::kVectors: object<VectorArray>(*a); break;
-            default:             object<StringArray>(*a); break;
-            }
+            if (!a->p)
+                freshArray(type, *a, 0);
             put(to[reg], a->p);
         }
         else if (isHeap(type))
@@ -204,12 +262,20 @@ void Machine::callProc(const Site& site, Frame& caller)
     }
 }
 
-/// Whether to try machine code at the start of a frame.
+/// Whether to try machine code at the start of a frame that was entered often.
 bool Machine::entersNative(const Body& body)
 {
-    if (!body.native && (body.nativeTried || ++body.calls < kHotCalls || !nativeCode(body, interruptFlag)))
-        return false;
-    return true;
+    body.calls = 0;
+    return nativeCode(body, interruptFlag);
+}
+
+/// Makes machine code anew when a procedure that became part of it has been redefined, but not for ever.
+void Machine::renewNative(const Body& body)
+{
+    if (!body.native->stale())
+        return;
+    body.native.reset();
+    body.nativeTried = ++body.remakes > 20;
 }
 
 // ---- errors
@@ -220,7 +286,7 @@ void Machine::handle(size_t bottom)
 {
     bool                 stop = false;
     std::optional<ScriptError> error;
-    const Frame&         f = frames_.back();
+    const Frame&         f = *frame_;
     const size_t         at = size_t(f.ip - f.function->body->code.data());
     const auto located = [&](const std::string& text) { return errorAt(*f.function->source, f.function->offset(at), text); };
     try
@@ -240,9 +306,9 @@ void Machine::handle(size_t bottom)
     {
         error = located(e.what());
     }
-    for (; frames_.size() > bottom; pop())
+    for (; frameCount() > bottom; pop())
     {
-        Frame&       frame = frames_.back();
+        Frame&       frame = *frame_;
         const size_t pc = size_t(frame.ip - frame.function->body->code.data());
         try
         {
@@ -288,7 +354,7 @@ void Machine::checkInterrupt()
 {
     if (!interruptFlag.exchange(false))
         return;
-    const Frame& f = frames_.back();
+    const Frame& f = *frame_;
     ScriptError  e = errorAt(*f.function->source, f.function->offset(size_t(f.ip - f.function->body->code.data())), "Interrupted.");
     e.interrupted = true;
     throw e;
@@ -312,17 +378,21 @@ void Machine::execute(size_t bottom, Value& result)
 #undef X
     };
 
+    Frame*             fp;
+    Frame* const       last = frames_.get() + bottom + 1;   // its return ends the run
     const Instr*       ip;
     Slot*              r;
     const Instr*       code;
     const Site*        sites;
     const void* const* table = labels;
-    int32_t            turns = kHotTurns;
+    const int32_t      hot = hotTurns();
+    int32_t            turns = hot;
 
 #define LOAD_FRAME()                                  \
     do                                                \
     {                                                 \
-        const Frame& f_ = frames_.back();             \
+        fp = frame_;                                  \
+        const Frame& f_ = *fp;                        \
         ip = f_.ip;                                   \
         r = f_.base;                                  \
         code = f_.function->body->code.data();              \
@@ -331,7 +401,7 @@ void Machine::execute(size_t bottom, Value& result)
 #define A r[ip->a]
 #define B r[ip->b]
 #define C r[ip->c]
-#define SAVE() (frames_.back().ip = ip)
+#define SAVE() (fp->ip = ip)
 #define GO() goto* table[ip->op]
 #define NEXT()   \
     do           \
@@ -352,8 +422,8 @@ void Machine::execute(size_t bottom, Value& result)
             }                                                                         \
             if (--turns <= 0) [[unlikely]]                                            \
             {                                                                         \
-                turns = kHotTurns;                                                    \
-                if (nativeCode(*frames_.back().function->body, interruptFlag))        \
+                turns = hot;                                                          \
+                if (nativeCode(*fp->function->body, interruptFlag))        \
                     table = traps;                                                    \
             }                                                                         \
         }                                                                             \
@@ -369,7 +439,7 @@ void Machine::execute(size_t bottom, Value& result)
     } while (0)
 
     LOAD_FRAME();
-    if (frames_.back().function->body->native)
+    if (fp->function->body->native)
         table = traps;
     GO();
 
@@ -378,11 +448,11 @@ void Machine::execute(size_t bottom, Value& result)
 L_enterNative:
 {
     table = labels;
-    const NativeCode* native = frames_.back().function->body->native.get();
+    const NativeCode* native = fp->function->body->native.get();
     if (!native || !nativeEnabled())
         GO();
     const void* at = native->entries[size_t(ip - code)];
-    if (!at)
+    if (!at || frameCount() + 1 >= kMaxFrames || size_t(end_ - top_) < native->furtherSlots)
     {
         turns = 1;   // at the next turn of a loop, then
         GO();
@@ -391,11 +461,14 @@ L_enterNative:
         if (!r[reg].p)
             freshArray(type, r[reg], 0);
     ip = code + native->run(r, at);
+    if (ip->op == OP_CALLP && !native->taken.empty())
+        renewNative(*fp->function->body);
     table = traps;
     goto* labels[ip->op];
 }
 
-L_MOV:  A = B; NEXT();
+L_MOV:  A.d = B.d; NEXT();
+L_MOVI: A.i = B.i; NEXT();
 L_MOVV: putVec(&A, vec(&B)); NEXT();
 L_MOVS: put(A, B.p); NEXT();
 
@@ -588,20 +661,21 @@ L_CALLP:
     SAVE();
     if (interruptFlag.load(std::memory_order_relaxed)) [[unlikely]]
         checkInterrupt();
-    Frame&      f = frames_.back();
+    Frame&      f = *fp;
     const Site& site = sites[ip->i];
     if (!f.function->body->bound.empty())
         writeGlobals(f);
     const Function* callee = site.proc->function.get();
     if (callee && callee->body->signature == site.signature) [[likely]]
     {
-        callProc(site, f);
+        callProc(site, r);
         LOAD_FRAME();
-        table = entersNative(*callee->body) ? traps : labels;
+        if (callee->body->native || (++callee->body->calls >= hot && entersNative(*callee->body)))
+            table = traps;
         GO();
     }
     callSlow(site, r, ip->a);
-    if (!frames_.back().function->body->bound.empty())
+    if (!fp->function->body->bound.empty())
         readGlobalsKeeping(site.result, ip->a);
     NEXT();
 }
@@ -610,12 +684,26 @@ L_CALLD:
     SAVE();
     if (interruptFlag.load(std::memory_order_relaxed)) [[unlikely]]
         checkInterrupt();
-    const bool globals = !frames_.back().function->body->bound.empty();
+    const bool globals = !fp->function->body->bound.empty();
     if (globals)
-        writeGlobals(frames_.back());
+        writeGlobals(*fp);
+    if (borrows(sites[ip->i], ip))
+    {
+        command::Lending lending;
+        Value            v = callDynamic(sites[ip->i], r);
+        if (globals)
+            readGlobals(*fp);
+        if (borrowed(lending, Type(ip[1].i), r[ip[1].a]))
+        {
+            ip += 2;
+            GO();
+        }
+        fromValue(std::move(v), Type::kDyn, &A);
+        NEXT();
+    }
     Value v = callDynamic(sites[ip->i], r);
     if (globals)
-        readGlobals(frames_.back());
+        readGlobals(*fp);
     fromValue(std::move(v), Type::kDyn, &A);
     NEXT();
 }
@@ -623,9 +711,9 @@ L_CALLN:
 {
     SAVE();
     const Site& site = sites[ip->i];
-    const bool  globals = site.native->runsScript && !frames_.back().function->body->bound.empty();
+    const bool  globals = site.native->runsScript && !fp->function->body->bound.empty();
     if (globals)
-        writeGlobals(frames_.back());
+        writeGlobals(*fp);
     NativeCall c(r, site, ip->a);
     site.native->function(c);
     if (globals)
@@ -635,7 +723,7 @@ L_CALLN:
 L_RET:
 L_RETV:
 {
-    Frame&          f = frames_.back();
+    Frame&          f = *fp;
     SAVE();
     const Body& fn = *f.function->body;
     if (!fn.bound.empty())
@@ -643,7 +731,7 @@ L_RETV:
     const bool  gives = ip->op == OP_RET;
     const Type  type = fn.returns;
     Slot* const value = &r[ip->a];
-    if (frames_.size() == bottom + 1)
+    if (fp == last)
     {
         if (gives)
             result = toValue(type, value);
@@ -657,22 +745,26 @@ L_RETV:
         pop();
         return;
     }
-    Frame&         caller = frames_[frames_.size() - 2];
+    Frame&         caller = fp[-1];
     const uint16_t out = caller.ip->a;
     if (!caller.function->body->bound.empty())
         readGlobals(caller);
-    if (type != Type::kVoid)
+    if (gives && type == Type::kInt)
+        caller.base[out].i = value->i;
+    else if (gives && type == Type::kFloat)
+        caller.base[out].d = value->d;
+    else if (type != Type::kVoid)
         giveResult(type, caller.base + out, gives ? value : nullptr);
     pop();
     LOAD_FRAME();
-    if (frames_.back().function->body->native)
+    if (fp->function->body->native)
         table = traps;
     NEXT();
 }
 L_DEFP:
 {
-    for (const auto& [slot, function] : frames_.back().function->procs)
-        slot->function = function;
+    for (const auto& [slot, function] : fp->function->procs)
+        define(*slot, function);
     NEXT();
 }
 }
@@ -680,7 +772,7 @@ L_DEFP:
 /// Reads the globals again after a call whose result is already in its register (which may be one of them).
 void Machine::readGlobalsKeeping(Type result, uint16_t reg)
 {
-    Frame& f = frames_.back();
+    Frame& f = *frame_;
     if (result == Type::kVoid)
         return readGlobals(f);
     Slot  keep[3] = {};

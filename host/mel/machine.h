@@ -29,18 +29,20 @@ public:
 private:
     struct Frame
     {
-        std::shared_ptr<const Function> function;
-        Slot*                           base;
-        const Instr*                    ip;           ///< while another frame runs: the call
-        bool                            written = false;   ///< globals are written back and may be newer than the registers
+        const Function* function;   ///< lives: its slot, the caller outside or `retired_` holds it
+        Slot*           base;
+        const Instr*    ip;                ///< while another frame runs: the call
+        bool            written = false;   ///< globals are written back and may be newer than the registers
     };
 
-    void  push(std::shared_ptr<const Function> f);
+    void  push(const Function& f);
+    void  define(ProcSlot& slot, const std::shared_ptr<const Function>& function);
     void  pop();
     void  run(size_t bottom, Value& result);
     void  execute(size_t bottom, Value& result);
-    void  callProc(const Site& site, Frame& caller);
+    void  callProc(const Site& site, Slot* from);
     bool  entersNative(const Body& body);
+    void  renewNative(const Body& body);
     void  handle(size_t bottom);
     void  readGlobalsKeeping(Type result, uint16_t reg);
     static void giveResult(Type type, Slot* out, Slot* value);
@@ -53,7 +55,11 @@ private:
     std::unique_ptr<Slot[]> stack_;
     Slot*                   top_;
     Slot*                   end_;
-    std::vector<Frame>      frames_;
+    std::unique_ptr<Frame[]> frames_;
+    Frame*                  frame_;      ///< the one that runs; frames_ itself while none does
+    size_t                  frameCount() const { return size_t(frame_ - frames_.get()); }
+    std::vector<std::shared_ptr<const Function>> retired_;   ///< replaced procedures that frames may still run
+    size_t                  maxRetired_ = 256;
 };
 
 Machine& machine();

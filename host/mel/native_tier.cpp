@@ -18,6 +18,8 @@ std::atomic<bool> g_enabled{[] {
     return !text || std::strcmp(text, "0") != 0;
 }()};
 
+std::atomic<int> g_hotTurns{1000};
+
 template <class A, class T>
 bool setElement(Heap* array, int32_t index, const T& value)
 {
@@ -59,7 +61,12 @@ MirkMakeNative open()
 }  // namespace
 
 bool nativeEnabled() { return g_enabled; }
-void setNative(bool on) { g_enabled = on; }
+int  hotTurns() { return g_hotTurns; }
+void setNative(bool on, int turns)
+{
+    g_enabled = on;
+    g_hotTurns = std::max(turns, 1);
+}
 
 const NativeCode* nativeCode(const Body& body, const std::atomic<bool>& interrupt)
 {

@@ -22,6 +22,17 @@ public:
     std::vector<const void*> entries;   ///< where to enter at an instruction; null: not there
     std::vector<std::pair<Type, uint16_t>> arrays;   ///< registers that must hold their array
     size_t                   bytes = 0;
+    size_t                   furtherSlots = 0;   ///< used behind the frame's registers
+    /// Procedures that became part of the code, in place of calls.
+    std::vector<std::pair<const ProcSlot*, std::shared_ptr<const Function>>> taken;
+
+    bool stale() const
+    {
+        for (const auto& [slot, function] : taken)
+            if (slot->current != function.get())
+                return true;
+        return false;
+    }
 };
 
 /// What machine code needs of the interpreter.
@@ -44,7 +55,9 @@ using MirkMakeNative = std::unique_ptr<NativeCode> (*)(const Body& body, const N
 
 /// Whether code gets native when it is hot; starts as the environment variable MIRK_MEL_NATIVE says (0: off).
 bool nativeEnabled();
-void setNative(bool on);
+/// `hotTurns`: code is hot after so many turns of loops or calls.
+void setNative(bool on, int hotTurns = 1000);
+int  hotTurns();
 /// Compiles the body unless that was tried before; null without effect if the tier is off or missing.
 const NativeCode* nativeCode(const Body& body, const std::atomic<bool>& interrupt);
 

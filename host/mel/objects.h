@@ -1,6 +1,8 @@
 // What registers hold. Ints and floats stand in the register itself, a vector in three in a row; strings, arrays,
 // matrices and run-time-typed values are counted objects. The interpreter runs under one lock, so counts are plain.
 #pragma once
+#include <algorithm>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -63,7 +65,7 @@ struct Array : Heap
 };
 
 /// Where machine code finds the parts of an array, in bytes from the object's start.
-struct ArrayLayout { int32_t data, size, writable; };
+struct ArrayLayout { int32_t data, size, writable, room; };
 
 /// Array of plain values on a shared copy-on-write buffer. An array is one object from its declaration on, which is how
 /// procedures get it by reference; assignment shares the buffer.
@@ -71,6 +73,9 @@ template <class T>
 class PlainArray : public Array
 {
 public:
+    /// Half of what a process may reasonably have.
+    static constexpr size_t kMost = std::min(kMaxElements, (size_t(1) << 31) / sizeof(T));
+
     size_t size() const override { return n_; }
     void   clear() override { adopt({}); }
 
@@ -99,7 +104,8 @@ public:
     /// The buffer to share; whoever writes first copies.
     Ref<Buffer<T>> share()
     {
-        writable_ = 0;
+        settle();
+        writable_ = room_ = 0;
         if (!buffer_)
             buffer_ = make<Buffer<T>>();
         return buffer_;
@@ -107,21 +113,34 @@ public:
 
     void adopt(Ref<Buffer<T>> b)
     {
+        lender_.reset();
         buffer_ = std::move(b);
         sync(buffer_ && buffer_->unique());
     }
 
+    /// Values that stand elsewhere, unchanged as long as `lender` is held.
+    void borrow(const T* values, size_t n, std::shared_ptr<const void> lender)
+    {
+        adopt({});
+        data_ = const_cast<T*>(values);   // not written: nothing is writable
+        n_ = n;
+        lender_ = std::move(lender);
+    }
+
     void swap(PlainArray& o)
     {
+        std::swap(data_, o.data_);
+        std::swap(n_, o.n_);
+        std::swap(writable_, o.writable_);
+        std::swap(room_, o.room_);
         std::swap(buffer_, o.buffer_);
-        const bool own = writable_ == n_;
-        sync(o.writable_ == o.n_);
-        o.sync(own);
+        std::swap(lender_, o.lender_);
     }
 
     /// Room for `n` elements without a change of size.
     void reserve(size_t n)
     {
+        settle();
         detach(buffer_).reserve(n);
         sync(true);
     }
@@ -131,44 +150,62 @@ public:
         const PlainArray  a;
         const char* const start = reinterpret_cast<const char*>(static_cast<const Heap*>(&a));
         const auto        at = [&](const void* member) { return int32_t(static_cast<const char*>(member) - start); };
-        return {at(&a.data_), at(&a.n_), at(&a.writable_)};
+        return {at(&a.data_), at(&a.n_), at(&a.writable_), at(&a.room_)};
     }
 
 private:
+    /// Makes the buffer hold what the array holds.
+    void settle()
+    {
+        if (lender_)
+        {
+            buffer_ = make<Buffer<T>>(data_, n_);
+            lender_.reset();
+            sync(true);
+        }
+        else if (room_)
+            buffer_->resize(n_);
+    }
+
     void sync(bool own)
     {
         n_ = buffer_ ? buffer_->size() : 0;
         data_ = buffer_ ? buffer_->data() : nullptr;
         writable_ = own ? n_ : 0;
+        room_ = own ? buffer_->capacity() : 0;
     }
 
     void setSlow(int64_t i, T value)
     {
-        if (i < 0 || size_t(i) >= kMaxElements)
+        if (size_t(i) == writable_ && size_t(i) < room_)
+        {
+            data_[i] = value;
+            writable_ = ++n_;
+            return;
+        }
+        if (i < 0 || size_t(i) >= kMost)
             badIndex(i);
+        settle();
         Buffer<T>& b = detach(buffer_);
-        if (size_t(i) == b.size())
-            b.push(value);
-        else
+        if (size_t(i) >= b.size())
         {
             const size_t old = b.size();
-            if (size_t(i) > old)
-            {
-                if (size_t(i) >= b.capacity())
-                    b.reserve(std::max(size_t(i) + 1, b.capacity() * 2));
-                b.resize(size_t(i) + 1);
-                for (size_t k = old; k < size_t(i); ++k)
-                    b[k] = T();
-            }
-            b[size_t(i)] = value;
+            if (size_t(i) >= b.capacity())
+                b.reserve(std::max({size_t(8), size_t(i) + 1, b.capacity() * 2}));
+            b.resize(size_t(i) + 1);
+            for (size_t k = old; k < size_t(i); ++k)
+                b[k] = T();
         }
+        b[size_t(i)] = value;
         sync(true);
     }
 
     T*             data_ = nullptr;
-    size_t         n_ = 0;
+    size_t         n_ = 0;          ///< with room, the buffer's own size lags behind
     size_t         writable_ = 0;   ///< n_ while nobody shares the buffer as far as we know, else 0
+    size_t         room_ = 0;       ///< what the buffer can hold, likewise
     Ref<Buffer<T>> buffer_;
+    std::shared_ptr<const void> lender_;
 };
 
 using IntArray = PlainArray<int32_t>;

@@ -13,9 +13,11 @@ constexpr int    kMaxDepth = 6;
 
 }  // namespace
 
-Analysis::Analysis(const Body& body, const Pools& pools)
-    : body_(body), target_(body.code.size()), entry_(body.code.size()), dead_(body.code.size()), depth_(body.code.size()), always_(body.start.size())
+Analysis::Analysis(const Expanded& expanded, const Pools& pools)
+    : expanded_(expanded), body_(expanded.body), target_(body_.code.size()), entry_(body_.code.size()), dead_(body_.code.size()),
+      depth_(body_.code.size()), always_(body_.start.size())
 {
+    const Body& body = body_;
     if (body.code.size() * body.start.size() > kMaxBits)
     {
         worthwhile_ = false;
@@ -35,9 +37,12 @@ void Analysis::classify()
     written_.assign(n, false);
     for (size_t r = 0; r < n; ++r)
         class_[r] = body_.types[r] == Type::kInt ? Class::kInt : body_.types[r] == Type::kFloat ? Class::kFloat : Class::kNone;
-    for (const Instr& in : body_.code)
+    for (size_t pc = 0; pc < body_.code.size(); ++pc)
     {
-        effects_.push_back(effectsOf(body_, in));
+        effects_.push_back(effectsOf(body_, body_.code[pc]));
+        if (const int site = expanded_.site[pc]; site >= 0)   // leaving an expanded call repeats the call
+            for (const Site::Arg& a : body_.sites[size_t(site)].args)
+                effects_.back().use(a.reg, a.type);
         for (uint16_t r : effects_.back().defs)
             written_[r] = true;
     }
@@ -146,7 +151,7 @@ void Analysis::findEntries()
     for (size_t pc = body_.code.size(); pc-- > 0;)
     {
         run = covered(body_, body_.code[pc]) ? run + 1 : 0;
-        if (pc > 0 && run >= 3 && !covered(body_, body_.code[pc - 1]))
+        if (pc > 0 && run >= 3 && expanded_.origin[pc] != expanded_.origin[pc - 1] && !covered(body_, body_.code[pc - 1]))
             entry_[pc] = true;
     }
 }

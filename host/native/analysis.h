@@ -3,7 +3,7 @@
 #pragma once
 #include <functional>
 
-#include "mel/bytecode.h"
+#include "native/expand.h"
 
 namespace mirk::mel::native {
 
@@ -64,7 +64,7 @@ struct Pools
 class Analysis
 {
 public:
-    Analysis(const Body& body, const Pools& pools);
+    Analysis(const Expanded& expanded, const Pools& pools);
 
     bool worthwhile() const { return worthwhile_; }
     /// The machine register (index in its pool) of a register, or -1: it stays in the frame.
@@ -92,6 +92,7 @@ private:
     std::vector<uint16_t> placed(const Bits& bits) const;
     template <class F> void successors(size_t pc, F f) const;
 
+    const Expanded&          expanded_;
     const Body&              body_;
     std::vector<Effects>     effects_;
     std::vector<Class>       class_;

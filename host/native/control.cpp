@@ -151,10 +151,30 @@ void Emitter::getElement(size_t pc, const Instr& in)
 void Emitter::setElement(size_t pc, const Instr& in)
 {
     const x86::Gp index = intIn(in.b, ecx);
-    const Label   slow = a_.newLabel(), done = a_.newLabel();
+    const Label   past = a_.newLabel(), slow = a_.newLabel(), done = a_.newLabel();
     a_.mov(rax, qword_ptr(rbx, int32_t(in.a) * 8));
     a_.cmp(index.r64(), qword_ptr(rax, support_.array.writable));
-    a_.jae(slow);
+    a_.jae(past);
+    storeElement(in, index);
+    a_.bind(done);
+    later([=, this] {
+        a_.bind(past);   // right behind the last one there is often room
+        a_.jne(slow);
+        a_.cmp(index.r64(), qword_ptr(rax, support_.array.room));
+        a_.jae(slow);
+        a_.lea(rdx, qword_ptr(index.r64(), 1));
+        a_.mov(qword_ptr(rax, support_.array.size), rdx);
+        a_.mov(qword_ptr(rax, support_.array.writable), rdx);
+        storeElement(in, index);
+        a_.jmp(done);
+        a_.bind(slow);
+        growElement(pc, in, index, done);
+    });
+}
+
+/// rax: the array.
+void Emitter::storeElement(const Instr& in, const x86::Gp& index)
+{
     a_.mov(rax, qword_ptr(rax, support_.array.data));
     if (in.op == OP_SETAI)
         a_.mov(dword_ptr(rax, index.r64(), 2), intIn(in.c, edx));
@@ -166,11 +186,6 @@ void Emitter::setElement(size_t pc, const Instr& in)
         for (int k = 0; k < 3; ++k)
             a_.movsd(qword_ptr(rax, rdx, 3, k * 8), floatIn(uint16_t(in.c + k), xmm0));
     }
-    a_.bind(done);
-    later([=, this] {
-        a_.bind(slow);
-        growElement(pc, in, index, done);
-    });
 }
 
 void Emitter::growElement(size_t pc, const Instr& in, const x86::Gp& index, const Label& done)
@@ -228,7 +243,7 @@ void Emitter::callMath(size_t pc, const Instr& in)
 /// Operands and result of other built-in functions pass through the frame.
 void Emitter::callBuiltIn(size_t pc, const Instr& in)
 {
-    const Site&                 site = body_.sites[size_t(in.i)];
+    const Site&                 site = original_.sites[size_t(in.i)];   // lives as long as the code
     const std::vector<uint16_t> kept = analysis_.aliveBefore(pc);
     const Effects               e = effectsOf(body_, in);
     save(kept);

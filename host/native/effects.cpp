@@ -27,12 +27,12 @@ bool isPure(uint16_t op)
 {
     switch (op)
     {
-    case OP_MOV: case OP_MOVV: case OP_I2F: case OP_F2I: case OP_V2F: case OP_F2V: case OP_FTOB: case OP_VTOB:
+    case OP_MOV: case OP_MOVI: case OP_MOVV: case OP_I2F: case OP_F2I: case OP_V2F: case OP_F2V: case OP_FTOB: case OP_VTOB:
     case OP_ADDI: case OP_SUBI: case OP_MULI: case OP_NEGI: case OP_NOTI: case OP_INCI:
     case OP_ADDF: case OP_SUBF: case OP_MULF: case OP_NEGF: case OP_NOTF:
     case OP_ADDV: case OP_SUBV: case OP_MULVF: case OP_DOTV: case OP_CROSSV: case OP_NEGV: case OP_MKV:
     case OP_EQI: case OP_NEI: case OP_LTI: case OP_LEI: case OP_EQF: case OP_NEF: case OP_LTF: case OP_LEF: case OP_EQV: case OP_NEV:
-    case OP_SIZEA: case OP_MATH1: case OP_MATH2:
+    case OP_SIZEA: case OP_MATH1: case OP_MATH2: case kInit:
     case OP_MINI: case OP_MAXI: case OP_ABSI: case OP_MINF: case OP_MAXF: case OP_ABSF: case OP_SQRTF:
         return true;
     default:
@@ -46,9 +46,11 @@ bool covered(const Body& body, const Instr& in)
     switch (in.op)
     {
     case OP_MOV:
+    case OP_MOVI:
         return body.types[in.a] == body.types[in.b] && isNumber(body.types[in.a]);
     case OP_SIZEA:
         return plain(in.b);
+    case kGuard:
     case OP_DIVI: case OP_MODI: case OP_DIVF: case OP_MODF: case OP_DIVVF:
     case OP_GETAI: case OP_GETAF: case OP_GETAV: case OP_SETAI: case OP_SETAF: case OP_SETAV:
         return true;
@@ -94,7 +96,7 @@ constexpr Row kRows[] = {
 const Row* rowOf(uint16_t op)
 {
     static const auto table = [] {
-        std::vector<const Row*> all(OP_DEFP + 1, nullptr);
+        std::vector<const Row*> all(kInit + 1, nullptr);
         for (const Row& r : kRows)
             all[r.op] = &r;
         return all;
@@ -126,9 +128,11 @@ Effects effectsOf(const Body& body, const Instr& in)
     switch (in.op)
     {
     case OP_MOV:
+    case OP_MOVI:
         e.def(in.a, body.types[in.a]);
         e.use(in.b, body.types[in.b]);
         break;
+    case kInit: e.def(in.a, body.types[in.a]); break;
     case OP_INCI:
         e.use(in.a);
         e.def(in.a);

@@ -1,5 +1,7 @@
 #include "native/emitter.h"
 
+#include <bit>
+
 namespace mirk::mel::native {
 
 using namespace asmjit;
@@ -22,7 +24,8 @@ private:
 }  // namespace
 
 Emitter::Emitter(const Body& body, const NativeSupport& support, JitRuntime& runtime)
-    : body_(body), support_(support), runtime_(runtime), analysis_(body, {kIntPlaces, kFloatPlaces})
+    : original_(body), expanded_(expand(body)), body_(expanded_->body), support_(support), runtime_(runtime),
+      analysis_(*expanded_, {kIntPlaces, kFloatPlaces})
 {
 }
 
@@ -48,11 +51,13 @@ std::unique_ptr<NativeCode> Emitter::make()
     if (runtime_.add(&out->run, &code_) != kErrorOk)
         return nullptr;
     out->bytes = code_.codeSize();
-    out->entries.assign(body_.code.size(), nullptr);
+    out->entries.assign(original_.code.size(), nullptr);
     const auto* const base = reinterpret_cast<const char*>(out->run);
     for (const auto& [pc, label] : entries_)
-        out->entries[pc] = base + code_.labelOffsetFromBase(label);
-    for (size_t r = 0; r < body_.types.size(); ++r)
+        out->entries[expanded_->origin[pc]] = base + code_.labelOffsetFromBase(label);
+    out->furtherSlots = body_.start.size() - original_.start.size();
+    out->taken = expanded_->taken;
+    for (size_t r = 0; r < original_.types.size(); ++r)
         if (isArray(body_.types[r]) && body_.types[r] != Type::kStrings)
             out->arrays.emplace_back(body_.types[r], uint16_t(r));
     return out;
@@ -74,7 +79,7 @@ void Emitter::epilogue()
         a_.bind(label);
         for (uint16_t r : analysis_.aliveBefore(pc))
             store(r);
-        a_.mov(eax, uint32_t(pc));
+        a_.mov(eax, expanded_->origin[pc]);
         a_.jmp(epilogue_);
     }
     a_.bind(epilogue_);
@@ -111,6 +116,30 @@ void Emitter::poll(size_t pc)
     a_.mov(rax, uint64_t(support_.interrupt));
     a_.cmp(byte_ptr(rax), 0);
     a_.jne(exitAt(pc));
+}
+
+void Emitter::guard(size_t pc, const Instr& in)
+{
+    const ProcSlot& slot = *body_.sites[size_t(in.i)].proc;
+    a_.mov(rax, uint64_t(&slot.current));
+    a_.mov(rcx, uint64_t(slot.function.get()));
+    a_.cmp(qword_ptr(rax), rcx);
+    a_.jne(exitAt(pc));
+}
+
+void Emitter::init(const Instr& in)
+{
+    if (analysis_.classOf(in.a) == Class::kInt)
+    {
+        const x86::Gp to = intPlace(in.a, eax);
+        a_.mov(to, body_.start[in.a].i);
+        intOut(in.a, to);
+        return;
+    }
+    const Xmm to = floatPlace(in.a, xmm0);
+    a_.mov(rax, std::bit_cast<uint64_t>(body_.start[in.a].d));
+    a_.movq(to, rax);
+    floatOut(in.a, to);
 }
 
 // ---- registers
@@ -269,6 +298,10 @@ void Emitter::instruction(size_t pc)
         return callMath(pc, in);
     case OP_CALLN:
         return callBuiltIn(pc, in);
+    case kGuard:
+        return guard(pc, in);
+    case kInit:
+        return init(in);
     default:
         break;
     }

@@ -33,6 +33,8 @@ private:
     void  instruction(size_t pc);
     Label exitAt(size_t pc);
     void  poll(size_t pc);
+    void  guard(size_t pc, const Instr& in);
+    void  init(const Instr& in);
     void  later(std::function<void()> f) { late_.push_back(std::move(f)); }
 
     Mem     home(uint16_t reg) const;
@@ -78,12 +80,15 @@ private:
     void element(size_t pc, const Instr& in);
     void getElement(size_t pc, const Instr& in);
     void setElement(size_t pc, const Instr& in);
+    void storeElement(const Instr& in, const Gp& index);
     void growElement(size_t pc, const Instr& in, const Gp& index, const Label& done);
     void arraySize(const Instr& in);
     void callMath(size_t pc, const Instr& in);
     void callBuiltIn(size_t pc, const Instr& in);
 
-    const Body&             body_;
+    const Body&             original_;
+    std::unique_ptr<const Expanded> expanded_;
+    const Body&             body_;        ///< the expanded one
     const NativeSupport&    support_;
     asmjit::JitRuntime&     runtime_;
     Analysis                analysis_;

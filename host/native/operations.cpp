@@ -11,6 +11,7 @@ void Emitter::scalar(size_t pc, const Instr& in)
     switch (in.op)
     {
     case OP_MOV:
+    case OP_MOVI:
         if (analysis_.classOf(in.a) == Class::kFloat)
         {
             const Xmm to = floatPlace(in.a, xmm0);
