@@ -8,6 +8,10 @@ import maya.cmds as mc
 ROLES = {'input': (False, False, True), 'control': (True, True, True), 'stored': (False, True, True),
          'output': (False, False, False)}
 
+# what stands below a ramp
+RAMPS = {'colorRamp': ('_Position', '_Color', '_ColorR', '_ColorG', '_ColorB', '_Interp'),
+         'curveRamp': ('_Position', '_FloatValue', '_Interp')}
+
 nodes = {}
 order = {}
 failures = []
@@ -18,10 +22,19 @@ def same(what, found, expected):
         failures.append('%s: %r, not %r' % (what, found, expected))
 
 
+def path(node, attribute):
+    """The attribute with what stands above it; of multis the first element."""
+    name = attribute
+    if mc.attributeQuery(attribute, node=node, multi=True):
+        name += '[0]'
+    parents = mc.attributeQuery(attribute, node=node, listParent=True)
+    return path(node, parents[0]) + '.' + name if parents else node + '.' + name
+
+
 def kind(node, attribute):
     """Attributes made by a typed function set tell their type by their value."""
     found = mc.attributeQuery(attribute, node=node, attributeType=True)
-    return mc.getAttr(node + '.' + attribute, type=True) if found == 'typed' else found
+    return mc.getAttr(path(node, attribute), type=True) if found == 'typed' else found
 
 
 rows = []
@@ -35,6 +48,9 @@ for nodeType, attribute, short, type, default, values, role in rows:
         nodes[nodeType] = mc.createNode(nodeType)
     node = nodes[nodeType]
     order.setdefault(nodeType, []).append(attribute)
+    if type in RAMPS:
+        order[nodeType] += [attribute + part for part in RAMPS[type]]
+        type = 'compound'
     what = nodeType + '.' + attribute
     if not mc.attributeQuery(attribute, node=node, exists=True):
         failures.append(what + ': there is no such attribute')
@@ -44,7 +60,7 @@ for nodeType, attribute, short, type, default, values, role in rows:
         return mc.attributeQuery(attribute, node=node, **flag)
 
     same(what + ' short name', query(shortName=True), short)
-    if not (type in ('mesh', 'componentList') and query(attributeType=True) == 'typed'):   # no value to ask
+    if not (type in ('mesh', 'nurbsCurve', 'nurbsSurface', 'componentList') and query(attributeType=True) == 'typed'):   # no value to ask
         same(what + ' type', kind(node, attribute), type)
     same(what + ' flags', (query(keyable=True), query(storable=True), query(writable=True)), ROLES[role])
     if default != '-':
@@ -58,7 +74,7 @@ for nodeType, attribute, short, type, default, values, role in rows:
             same(what + ' ' + name, query(**{name: True}), [float(value)])
 
 for nodeType, expected in order.items():
-    plain = set(mc.listAttr(mc.createNode('network')))
-    same(nodeType + ' in order', [name for name in mc.listAttr(nodes[nodeType]) if name not in plain], expected)
+    plain = set(mc.listAttr(mc.createNode('locator' if mc.objectType(nodes[nodeType], isAType='shape') else 'network')))
+    same(nodeType + ' in order', [name.split('.')[-1] for name in mc.listAttr(nodes[nodeType]) if name not in plain], expected)
 
 sys.exit('\n'.join(failures) if failures else 0)
