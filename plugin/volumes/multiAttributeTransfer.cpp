@@ -22,7 +22,7 @@ class WeightList
 {
 public:
     explicit WeightList(MDataBlock& block)
-        : list_(block.outputArrayValue(multiAttributeTransfer::aOutWgtList)),
+        : block_(block), list_(block.outputArrayValue(multiAttributeTransfer::aOutWgtList)),
           rows_(&block, multiAttributeTransfer::aOutWgtList, 0)
     {
     }
@@ -45,7 +45,7 @@ private:
     {
         closeRow();
         weights_ = MArrayDataHandle(rows_.addElement(row).child(multiAttributeTransfer::aOutWgt));
-        builder_ = weights_.builder();
+        builder_ = MArrayDataBuilder(&block_, multiAttributeTransfer::aOutWgt, 0);   // none of the weights before
         row_ = row;
         open_ = true;
     }
@@ -56,6 +56,7 @@ private:
         open_ = false;
     }
 
+    MDataBlock&       block_;
     MArrayDataHandle  list_, weights_;
     MArrayDataBuilder rows_, builder_;
     unsigned int      row_ = 0;

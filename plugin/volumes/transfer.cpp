@@ -79,14 +79,14 @@ private:
     void store(std::size_t from);
     void storePoints(std::size_t from);
 
+    /// Calls f(slot, the ramp there, sphere or -1) for each influence just taken.
     template <class F>
     void scatter(const Ramp& ramp, F&& f)
     {
         evaluate(ramp, at_, ramped_);
         for (std::size_t k = 0; k < slots_.size(); ++k)
-            f(static_cast<std::size_t>(slots_[k]), static_cast<double>(ramped_[k]), cloudOf(k));
+            f(static_cast<std::size_t>(slots_[k]), static_cast<double>(ramped_[k]), sphere_[k]);
     }
-    int cloudOf(std::size_t k) const { return sphere_[k]; }
     /// Of several influences: the sum of kernel * column over that of the kernel. 0 without any kernel.
     double mean(const std::vector<double>& column, const int* order, int count, double kernels) const
     {
@@ -269,9 +269,8 @@ void Walk::blend(int i)
             strength += g;
         }
         if (count > 1) {
-            const double share = kernels > 0.0 ? 1.0 / kernels : 0.0;
             sum = kernels > 0.0 ? Vec{sum.x / kernels, sum.y / kernels, sum.z / kernels} : Vec{};
-            strength = share != 0.0 ? strength / kernels : 0.0;
+            strength = kernels > 0.0 ? strength / kernels : 0.0;
         }
         values_.moved[i] = block_.at(i) * (1.0 - strength) + sum;
     }

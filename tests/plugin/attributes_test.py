@@ -65,7 +65,7 @@ for nodeType, attribute, short, type, default, values, role in rows:
         return mc.attributeQuery(leaf(attribute), node=node, **flag)
 
     same(what + ' short name', query(shortName=True), short)
-    if not (type in ('mesh', 'componentList') and query(attributeType=True) == 'typed'):   # no value to ask
+    if not (type in ('mesh', 'nurbsCurve', 'nurbsSurface', 'componentList') and query(attributeType=True) == 'typed'):   # no value to ask
         same(what + ' type', kind(node, attribute), type)
     same(what + ' flags', (query(keyable=True), query(storable=True), query(writable=True)), ROLES[role])
     if default != '-':
