@@ -9,7 +9,9 @@
 #include "display/registered.h"
 #include "dynamics/registered.h"
 #include "generators/registered.h"
-#include "spatial/registered.h"
+#include "spatial/kdTree.h"
+#include "spatial/resolvePointCollisions.h"
+#include "spatial/shortestPath.h"
 #include "volumes/registered.h"
 
 namespace {
