@@ -31,7 +31,10 @@
 #include "display/registered.h"
 #include "dynamics/registered.h"
 #include "generators/registered.h"
+#include "spatial/kdTree.h"
 #include "spatial/registered.h"
+#include "spatial/resolvePointCollisions.h"
+#include "spatial/shortestPath.h"
 #include "volumes/attributeTransfer.h"
 #include "volumes/boundingObject.h"
 #include "volumes/compListToObjGrp.h"
@@ -39,6 +42,7 @@
 #include "volumes/group.h"
 #include "volumes/multiAttributeTransfer.h"
 #include "volumes/objGrpToCompList.h"
+#include "volumes/registered.h"
 
 namespace {
 
