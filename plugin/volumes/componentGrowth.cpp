@@ -58,11 +58,8 @@ Marks grownEdges(const MeshTables& mesh, const Marks& seeds, int depth)
 
 Marks grownFaces(const MeshTables& mesh, const Marks& seeds, int depth)
 {
-    const PositionLists corners = positionsIn(mesh.cornerEdges, mesh.edgeCount);
-    std::vector<int>    faceOf(mesh.cornerVertices.size());
-    for (std::size_t face = 0; face + 1 < mesh.faceFirst.size(); ++face)
-        for (int c = mesh.faceFirst[face]; c < mesh.faceFirst[face + 1]; ++c)
-            faceOf[static_cast<std::size_t>(c)] = static_cast<int>(face);
+    const PositionLists    corners = positionsIn(mesh.cornerEdges, mesh.edgeCount);
+    const std::vector<int> faceOf = cornerFaces(mesh);
     return grown(seeds, depth, [&](std::size_t face, auto&& visit) {
         for (int c = mesh.faceFirst[face]; c < mesh.faceFirst[face + 1]; ++c)
             eachPlace(corners, static_cast<std::size_t>(mesh.cornerEdges[static_cast<std::size_t>(c)]),

@@ -27,12 +27,14 @@ MIntArray toIntArray(const std::vector<int>& indices)
     return array;
 }
 
-/// A list with one component of mesh vertices.
-MObject vertexList(const MIntArray& elements)
+/// A list with one component of mesh vertices: these, or all that there are.
+MObject vertexList(const MIntArray& elements, bool complete)
 {
     MFnSingleIndexedComponent vertices;
     MObject                   component = vertices.create(MFn::kMeshVertComponent);
     vertices.addElements(elements);
+    if (complete)
+        vertices.setComplete(true);
     MFnComponentListData list;
     MObject              data = list.create();
     list.add(component);
@@ -163,16 +165,18 @@ MObject asVertexList(const MObject& data)
         for (unsigned int i = 0; i < ids.length(); ++i)
             if (ids[i] >= 0)
                 vertices.append(ids[i]);
-        return vertexList(vertices);
+        return vertexList(vertices, false);
     }
     if (data.apiType() != MFn::kComponentListData)
         return MObject::kNullObj;
     const MObject first = firstOf(data);
-    if (first.isNull() || first.apiType() != MFn::kDynParticleSetComponent || MFnComponent(first).isComplete())
+    if (first.isNull() || first.apiType() != MFn::kDynParticleSetComponent)
         return data;
-    MIntArray elements;
-    MFnSingleIndexedComponent(first).getElements(elements);
-    return vertexList(elements);
+    const MFnSingleIndexedComponent particles(first);
+    MIntArray                       elements;
+    if (!particles.isComplete())   // else it may stand for any number
+        particles.getElements(elements);
+    return vertexList(elements, particles.isComplete());
 }
 
 MObject readComponents(MDataBlock& block, const MPlug& plug)
@@ -202,7 +206,7 @@ void writeObjectGroup(MObject geometry, unsigned int id, MObject component)
         return;
     if (fn.hasObjectGroup(id)) {
         MObject old = fn.objectGroupComponent(id);
-        if (!old.isNull())
+        if (!old.isNull() && !MFnComponent(old).isComplete())
             fn.removeObjectGroupComponent(id, old);
         fn.removeObjectGroup(id);
     }

@@ -64,6 +64,14 @@ PositionLists positionsIn(const std::vector<int>& of, int count)
     return lists;
 }
 
+std::vector<int> cornerFaces(const MeshTables& mesh)
+{
+    std::vector<int> faces(mesh.cornerVertices.size(), 0);
+    for (std::size_t face = 0; face + 1 < mesh.faceFirst.size(); ++face)
+        std::fill(faces.begin() + mesh.faceFirst[face], faces.begin() + mesh.faceFirst[face + 1], static_cast<int>(face));
+    return faces;
+}
+
 Marks facesWithAny(const MeshTables& mesh, const std::vector<int>& corners, const Marks& items)
 {
     Marks faces = noMarks(mesh.faceCount());

@@ -32,6 +32,9 @@ struct PositionLists
 /// Where each of `count` items stands in `of`; values outside are passed over.
 PositionLists positionsIn(const std::vector<int>& of, int count);
 
+/// The face of each corner.
+std::vector<int> cornerFaces(const MeshTables& mesh);
+
 // Marks of one kind from marks of another. `corners` is the corner table that the given marks belong to.
 Marks facesWithAny(const MeshTables& mesh, const std::vector<int>& corners, const Marks& items);
 Marks facesWithAll(const MeshTables& mesh, const std::vector<int>& corners, const Marks& items);

@@ -15,21 +15,19 @@ bool near(const double* a, const double* b, float angle) { return flattened(angl
 
 const double* at(const Triples& vectors, std::size_t i) { return &vectors[3 * i]; }
 
-/// Calls f(edge, face, face) for the edges between exactly two faces.
+/// Calls f(edge, faces of the edge) for all edges.
 template <class F>
-void eachSharedEdge(const MeshTables& mesh, F&& f)
+void eachEdge(const MeshTables& mesh, F&& f)
 {
-    std::vector<int> first(static_cast<std::size_t>(mesh.edgeCount), -1), second = first;
-    std::vector<int> faces(static_cast<std::size_t>(mesh.edgeCount), 0);
-    for (int face = 0; face < mesh.faceCount(); ++face) {
-        for (int c = mesh.faceFirst[static_cast<std::size_t>(face)]; c < mesh.faceFirst[static_cast<std::size_t>(face) + 1]; ++c) {
-            const auto edge = static_cast<std::size_t>(mesh.cornerEdges[static_cast<std::size_t>(c)]);
-            (faces[edge]++ == 0 ? first : second)[edge] = face;
-        }
+    const PositionLists    corners = positionsIn(mesh.cornerEdges, mesh.edgeCount);
+    const std::vector<int> faceOf = cornerFaces(mesh);
+    std::vector<int>       faces;
+    for (std::size_t e = 0; e + 1 < corners.first.size(); ++e) {
+        faces.clear();
+        for (int i = corners.first[e]; i < corners.first[e + 1]; ++i)
+            faces.push_back(faceOf[static_cast<std::size_t>(corners.items[static_cast<std::size_t>(i)])]);
+        f(e, faces);
     }
-    for (std::size_t edge = 0; edge < faces.size(); ++edge)
-        if (faces[edge] == 2)
-            f(edge, static_cast<std::size_t>(first[edge]), static_cast<std::size_t>(second[edge]));
 }
 
 } // namespace
@@ -65,23 +63,16 @@ Marks inBetweenVertices(const MeshTables& mesh, const Triples& vectors, float an
 
 Marks inBetweenFaces(const MeshTables& mesh, const Triples& normals, float angle)
 {
-    // edges of more than two faces make neighbours of all of them
-    Marks               marks(static_cast<std::size_t>(mesh.faceCount()), 0);
-    const PositionLists corners = positionsIn(mesh.cornerEdges, mesh.edgeCount);
-    std::vector<int>    faceOf(mesh.cornerVertices.size());
-    for (int face = 0; face < mesh.faceCount(); ++face)
-        for (int c = mesh.faceFirst[static_cast<std::size_t>(face)]; c < mesh.faceFirst[static_cast<std::size_t>(face) + 1]; ++c)
-            faceOf[static_cast<std::size_t>(c)] = face;
-    for (std::size_t e = 0; e + 1 < corners.first.size(); ++e) {
-        for (int i = corners.first[e]; i < corners.first[e + 1]; ++i) {
-            for (int j = i + 1; j < corners.first[e + 1]; ++j) {
-                const auto a = static_cast<std::size_t>(faceOf[static_cast<std::size_t>(corners.items[static_cast<std::size_t>(i)])]);
-                const auto b = static_cast<std::size_t>(faceOf[static_cast<std::size_t>(corners.items[static_cast<std::size_t>(j)])]);
+    Marks marks(static_cast<std::size_t>(mesh.faceCount()), 0);
+    eachEdge(mesh, [&](std::size_t, const std::vector<int>& faces) {
+        for (std::size_t i = 0; i < faces.size(); ++i) {
+            for (std::size_t j = i + 1; j < faces.size(); ++j) {
+                const auto a = static_cast<std::size_t>(faces[i]), b = static_cast<std::size_t>(faces[j]);
                 if (a != b && near(at(normals, a), at(normals, b), angle))
                     marks[a] = marks[b] = 1;
             }
         }
-    }
+    });
     return marks;
 }
 
@@ -97,8 +88,11 @@ Marks inBetweenRow(const Triples& vectors, int count, int stride, float angle)
 Marks edgesByAngle(const MeshTables& mesh, const Triples& faceNormals, AngleRange range)
 {
     Marks marks(static_cast<std::size_t>(mesh.edgeCount), 0);
-    eachSharedEdge(mesh, [&](std::size_t edge, std::size_t a, std::size_t b) {
-        const double angle = angleBetween(at(faceNormals, a), at(faceNormals, b));
+    eachEdge(mesh, [&](std::size_t edge, const std::vector<int>& faces) {
+        if (faces.size() != 2)
+            return;
+        const double angle = angleBetween(at(faceNormals, static_cast<std::size_t>(faces[0])),
+                                          at(faceNormals, static_cast<std::size_t>(faces[1])));
         marks[edge] = angle >= range.min && angle <= range.max;
     });
     return marks;

@@ -171,8 +171,9 @@ MStatus group::compute(const MPlug& plug, MDataBlock& block)
     publishInts(block, aOutMirrorIds, {});
 
     const auto        space = block.inputValue(aCoordSystem).asShort() == 0 ? MSpace::kWorld : MSpace::kObject;   // work
+    const ArrayView   velocities = outGeo.type() == MFnData::kVectorArray ? viewArray(block, aInVelocityPP) : ArrayView();
     ComponentGeometry geometry(inGeo, outGeo, block.inputValue(aCompType).asShort(), space,
-                               block.inputValue(aUvSet).asString(), viewArray(block, aInVelocityPP));
+                               block.inputValue(aUvSet).asString(), velocities);
     if (geometry.refusal() == ComponentGeometry::kNoVelocities) {
         warn(plug, ": Cannot find particle shape node on the input. Please supply velocity data to the inVelocityPP "
                    "attribute.");
@@ -330,9 +331,11 @@ MStatus group::publish(MDataBlock& block, const ComponentGeometry& geometry, con
     }
     if (!geometry.particles() || block.inputValue(aCompType).asShort() != kParticleComponents)
         return block.outputValue(aOutComp).set(data);
-    MIntArray       ids;
-    MFnIntArrayData array;
-    if (MFnSingleIndexedComponent single; single.setObject(first) == MS::kSuccess)
+    first = counted(first, geometry.components());
+    MIntArray                 ids;
+    MFnSingleIndexedComponent single;
+    if (single.setObject(first) == MS::kSuccess && !single.isComplete())
         single.getElements(ids);
+    MFnIntArrayData array;
     return block.outputValue(aOutComp).set(array.create(ids));
 }

@@ -1,5 +1,7 @@
 // componentGroup with bounding objects, and all its mesh steps against a slow second way on real meshes.
 #include <maya/MDagPath.h>
+#include <maya/MFnDependencyNode.h>
+#include <maya/MFnGenericAttribute.h>
 #include <maya/MItMeshEdge.h>
 #include <maya/MItMeshPolygon.h>
 #include <maya/MItMeshVertex.h>
@@ -10,6 +12,7 @@
 #include <random>
 
 #include "component_scene.h"
+#include "samples.h"
 
 using namespace scene;
 using ComponentBounds = scene::Test;
@@ -188,6 +191,60 @@ TEST_F(ComponentBounds, DegenerateBounds)
     }
     run("setAttr b4.tp 77");
     EXPECT_EQ(selected(), "v 3");
+}
+
+// Everything at once, in no order: what comes is a list of the kind asked for, or what a particle group gives.
+TEST_F(ComponentBounds, AnythingGivesAList)
+{
+    const std::vector<samples::Sample> all = samples::all();
+    const auto                         random = [&](MFnData::Type kind, samples::Numbers& r) {
+        std::vector<MObject> found;
+        for (const samples::Sample& sample : all)
+            if (sample.kind == kind)
+                found.push_back(sample.data);
+        return found[std::size_t(r.below(int(found.size())))];
+    };
+    run("createNode network -name n; createNode transform -name t; createNode componentGroup -name g;"
+        "connectAttr t.worldMatrix[0] g.mirrorMatrix");
+    bound("b", 3, MMatrix());
+    run("connectAttr b.outData g.boundingObjects[2]");
+    for (const char* name : {"inGeometry", "inComponents", "inVelocityPP", "inWeightPP"}) {
+        MFnGenericAttribute fn;
+        MObject             attribute = fn.create(name, name);
+        for (int kind = MFnData::kNumeric; kind < MFnData::kAny; ++kind)
+            fn.addDataAccept(MFnData::Type(kind));
+        MFnDependencyNode(plug("n.message").node()).addAttribute(attribute);
+        run(std::string("connectAttr n.") + name + " g." + name);
+    }
+    samples::Numbers   r(3);
+    const MFnData::Type geometries[] = {MFnData::kMesh, MFnData::kNurbsCurve, MFnData::kNurbsSurface, MFnData::kVectorArray};
+    const struct { const char* name; int from, to; } settings[] = {
+        {"componentType", 0, 6}, {"combine", 0, 3}, {"filterInput", 0, 1}, {"opRange", 0, 1}, {"opNormalVelocity", 0, 1},
+        {"opDepth", 0, 1}, {"opEdgeLength", 0, 1}, {"opFaceArea", 0, 1}, {"opFacePerimeter", 0, 1}, {"opWeightMap", 0, 1},
+        {"opAngle", 0, 1}, {"opNgons", 0, 1}, {"mode", 0, 1}, {"space", 0, 1}, {"depth", 0, 4}, {"coordinateSystem", 0, 1},
+        {"mirror", 0, 2}, {"mirrorDirection", 0, 2}, {"boundary", 0, 4}, {"invert", 0, 1}, {"outputObjectGroup", 0, 1},
+        {"groupId", -1, 2}, {"rangeEnd", -9, 0}, {"stepA", 1, 4}, {"useInComponents", 0, 1}, {"lengthThreshold", 0, 3},
+        {"areaThreshold", 0, 2}, {"perimeterThreshold", 0, 9}, {"inBetweenAngle", 0, 180}};
+    for (int i = 0; i < 600; ++i) {
+        for (const auto& s : settings)
+            plug(std::string("g.") + s.name).setInt(s.from + r.below(s.to - s.from + 1));
+        plug("g.resetFrames").setString(r.below(4) == 0 ? "*" : "");
+        plug("g.pattern").setString(r.below(2) == 0 ? "1:3 7" : "");
+        plug("b.tp").setInt(r.below(5));
+        plug("b.cnt").setBool(r.below(2));
+        plug("b.tsx").setDouble(r.wild());
+        plug("b.opm").setMObject(random(MFnData::kMatrix, r));
+        plug("b.ppp").setMObject(random(MFnData::kPointArray, r));
+        plug("b.rpp").setMObject(random(MFnData::kDoubleArray, r));
+        plug("n.inGeometry").setMObject(random(geometries[r.below(4)], r));
+        plug("n.inComponents").setMObject(random(r.below(2) ? MFnData::kComponentList : MFnData::kIntArray, r));
+        plug("n.inVelocityPP").setMObject(random(MFnData::kVectorArray, r));
+        plug("n.inWeightPP").setMObject(random(MFnData::kDoubleArray, r));
+        EXPECT_NE(selected(), "") << i;
+        MObject data = plug("g.outGeometry").asMObject();
+        componentsAt("g.outMirrorIds");
+        EXPECT_FALSE(data.isNull()) << i;
+    }
 }
 
 // --- against a second way: host iterators, one component at a time, sets of indices ----------------------------------

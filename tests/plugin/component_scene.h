@@ -34,7 +34,9 @@ inline std::string textOf(MObject component)
     MFnDoubleIndexedComponent pairs;
     MFnSingleIndexedComponent single;
     out << prefixOf(component.apiType());
-    if (pairs.setObject(component) == MS::kSuccess) {
+    if (MFnComponent(component).isComplete()) {
+        out << " all";
+    } else if (pairs.setObject(component) == MS::kSuccess) {
         pairs.getElements(u, v);
         for (unsigned int i = 0; i < u.length(); ++i)
             out << ' ' << u[i] << ',' << v[i];
