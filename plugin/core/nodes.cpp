@@ -32,7 +32,6 @@
 #include "dynamics/registered.h"
 #include "generators/registered.h"
 #include "spatial/kdTree.h"
-#include "spatial/registered.h"
 #include "spatial/resolvePointCollisions.h"
 #include "spatial/shortestPath.h"
 #include "volumes/attributeTransfer.h"
@@ -42,7 +41,6 @@
 #include "volumes/group.h"
 #include "volumes/multiAttributeTransfer.h"
 #include "volumes/objGrpToCompList.h"
-#include "volumes/registered.h"
 
 namespace {
 

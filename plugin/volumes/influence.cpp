@@ -15,11 +15,28 @@ struct Local
     double x[kCapacity], y[kCapacity], z[kCapacity];
 };
 
-/// The same sums as transformPoint, over the block.
-void toLocal(const Matrix& inverse, const PointBlock& block, Local& to)
+/// Points from `first` up to `last` of a block.
+struct Range
+{
+    int first, last;
+};
+
+/// The parts of the block from the first to the last one that the box meets.
+Range partsNear(const PointBlock& block, const Box& box)
+{
+    Range parts{block.partCount(), 0};
+    for (int part = 0; part < block.partCount(); ++part) {
+        if (box.meets(block.parts[part]))
+            parts = {std::min(parts.first, part), part + 1};
+    }
+    return {parts.first * PointBlock::kPart, std::min(block.count, parts.last * PointBlock::kPart)};
+}
+
+/// The same sums as transformPoint, over a range.
+void toLocal(const Matrix& inverse, const PointBlock& block, Range r, Local& to)
 {
     const auto& m = inverse.m;
-    for (int i = 0; i < block.count; ++i) {
+    for (int i = r.first; i < r.last; ++i) {
         const double x = block.x[i], y = block.y[i], z = block.z[i];
         to.x[i] = x * m[0][0] + y * m[1][0] + z * m[2][0] + m[3][0];
         to.y[i] = x * m[0][1] + y * m[1][1] + z * m[2][1] + m[3][1];
@@ -27,63 +44,76 @@ void toLocal(const Matrix& inverse, const PointBlock& block, Local& to)
     }
     if (inverse.affine())
         return;
-    for (int i = 0; i < block.count; ++i) {
+    for (int i = r.first; i < r.last; ++i) {
         const Vec p = transformPoint(block.at(i), inverse);
         to.x[i] = p.x, to.y[i] = p.y, to.z[i] = p.z;
     }
 }
 
-/// Appends the points whose distance is at most 1.
-void collect(const double* d, int count, Candidates& out)
+/// The points whose distance is from 0 to 1.
+void collect(const double* d, Range r, Candidates& out)
 {
     int inside[kCapacity], found = 0;
-    for (int i = 0; i < count; ++i) {
+    for (int i = r.first; i < r.last; ++i) {
         inside[found] = i;
-        found += d[i] <= 1.0;
+        found += (d[i] >= 0.0) & (d[i] <= 1.0);
     }
     for (int k = 0; k < found; ++k)
         out.add(inside[k], d[inside[k]], -1);
 }
 
-void findInSphere(const Local& p, int count, Candidates& out)
+void findInSphere(const Local& p, Range r, Candidates& out)
 {
     double d[kCapacity];
-    for (int i = 0; i < count; ++i)
+    for (int i = r.first; i < r.last; ++i)
         d[i] = std::sqrt(p.x[i] * p.x[i] + p.y[i] * p.y[i] + p.z[i] * p.z[i]);
-    collect(d, count, out);
+    collect(d, r, out);
 }
 
-/// Points of the block that `holds` says may be inside; the exact function decides.
-template <class Holds, class Distance>
-void findExactly(const Local& p, int count, Candidates& out, Holds&& holds, Distance&& distance)
+void findInCube(const Local& p, Range r, Candidates& out)
 {
-    int maybe[kCapacity], found = 0;
-    for (int i = 0; i < count; ++i) {
-        maybe[found] = i;
-        found += holds(p.x[i], p.y[i], p.z[i]);
+    double d[kCapacity];
+    for (int i = r.first; i < r.last; ++i) {
+        const double x = std::fabs(p.x[i]), y = std::fabs(p.y[i]), z = std::fabs(p.z[i]);
+        const double xy = x > y ? x : y;
+        const double largest = xy > z ? xy : z;
+        d[i] = x <= 1.0 && y <= 1.0 && z <= 1.0 ? largest : kOutside;
     }
-    for (int k = 0; k < found; ++k) {
-        const int    i = maybe[k];
-        const double d = distance({p.x[i], p.y[i], p.z[i]});
-        if (d != kOutside)
-            out.add(i, d, -1);
+    collect(d, r, out);
+    for (std::size_t k = 0; k < out.size(); ++k) {
+        const auto i = static_cast<std::size_t>(out.point[k]);
+        if (out.d[k] <= 1e-6)   // so near the middle that the length decides
+            out.d[k] = cubeDistance({p.x[i], p.y[i], p.z[i]});
     }
 }
 
-void findInCube(const Local& p, int count, Candidates& out)
-{
-    const auto holds = [](double x, double y, double z) {
-        return (std::fabs(x) <= 1.0) & (std::fabs(y) <= 1.0) & (std::fabs(z) <= 1.0);
-    };
-    findExactly(p, count, out, holds, cubeDistance);
-}
-
-void findInCapsule(const Capsule& c, const Local& p, int count, Candidates& out)
+/// Points within the capsule's width are tested one by one.
+void findInCapsule(const Capsule& c, const Local& p, Range r, Candidates& out)
 {
     const double x = std::max(std::fabs(c.topScale.x), std::fabs(c.bottomScale.x));
     const double z = std::max(std::fabs(c.topScale.z), std::fabs(c.bottomScale.z));
-    const auto   holds = [=](double px, double, double pz) { return (std::fabs(px) <= x) & (std::fabs(pz) <= z); };
-    findExactly(p, count, out, holds, [&](Vec at) { return capsuleDistance(c, at); });
+    double       d[kCapacity];
+    for (int i = r.first; i < r.last; ++i)
+        d[i] = std::fabs(p.x[i]) <= x && std::fabs(p.z[i]) <= z ? 0.0 : kOutside;
+    for (int i = r.first; i < r.last; ++i) {
+        if (d[i] == 0.0)
+            d[i] = capsuleDistance(c, {p.x[i], p.y[i], p.z[i]});
+    }
+    collect(d, r, out);
+}
+
+Box boxOf(const PointBlock& b, int first, int last)
+{
+    Box box;
+    for (int i = first; i < last; ++i) {
+        box.low.x = b.x[i] < box.low.x ? b.x[i] : box.low.x;
+        box.low.y = b.y[i] < box.low.y ? b.y[i] : box.low.y;
+        box.low.z = b.z[i] < box.low.z ? b.z[i] : box.low.z;
+        box.high.x = b.x[i] > box.high.x ? b.x[i] : box.high.x;
+        box.high.y = b.y[i] > box.high.y ? b.y[i] : box.high.y;
+        box.high.z = b.z[i] > box.high.z ? b.z[i] : box.high.z;
+    }
+    return box;
 }
 
 } // namespace
@@ -91,21 +121,10 @@ void findInCapsule(const Capsule& c, const Local& p, int count, Candidates& out)
 void PointBlock::bound()
 {
     box = {};
-    for (int i = 0; i < count; ++i) {
-        box.low.x = x[i] < box.low.x ? x[i] : box.low.x;
-        box.low.y = y[i] < box.low.y ? y[i] : box.low.y;
-        box.low.z = z[i] < box.low.z ? z[i] : box.low.z;
-        box.high.x = x[i] > box.high.x ? x[i] : box.high.x;
-        box.high.y = y[i] > box.high.y ? y[i] : box.high.y;
-        box.high.z = z[i] > box.high.z ? z[i] : box.high.z;
+    for (int part = 0; part < partCount(); ++part) {
+        parts[part] = boxOf(*this, part * kPart, std::min(count, (part + 1) * kPart));
+        box.add(parts[part]);
     }
-}
-
-void Candidates::clear()
-{
-    point.clear();
-    cloud.clear();
-    d.clear();
 }
 
 InfluenceSearch::InfluenceSearch(const std::vector<Volume>& volumes, const Cloud& cloud, const Box& pointsBox)
@@ -126,11 +145,11 @@ InfluenceSearch::InfluenceSearch(const std::vector<Volume>& volumes, const Cloud
 
 InfluenceSearch::~InfluenceSearch() = default;
 
-void InfluenceSearch::volumesNear(const PointBlock& block, std::vector<int>& out) const
+void InfluenceSearch::volumesNear(const Box& box, std::vector<int>& out) const
 {
     out.clear();
     for (const int i : near_) {
-        if (volumes_[static_cast<std::size_t>(i)].box.meets(block.box))
+        if (volumes_[static_cast<std::size_t>(i)].box.meets(box))
             out.push_back(i);
     }
 }
@@ -147,12 +166,15 @@ void InfluenceSearch::find(int volume, const PointBlock& block, Candidates& out)
         }
         return;
     }
+    const Range near = partsNear(block, v.box);
+    if (near.first >= near.last)
+        return;
     Local local;
-    toLocal(v.inverse, block, local);
+    toLocal(v.inverse, block, near, local);
     switch (v.kind) {
-    case Kind::kSphere:  findInSphere(local, block.count, out); break;
-    case Kind::kCube:    findInCube(local, block.count, out); break;
-    case Kind::kCapsule: findInCapsule(v.capsule, local, block.count, out); break;
+    case Kind::kSphere:  findInSphere(local, near, out); break;
+    case Kind::kCube:    findInCube(local, near, out); break;
+    case Kind::kCapsule: findInCapsule(v.capsule, local, near, out); break;
     case Kind::kCloud:   break;
     }
 }

@@ -15,31 +15,46 @@ class SphereTree;
 struct PointBlock
 {
     static constexpr int kCapacity = 256;
+    static constexpr int kPart = 64;             ///< points that have a box of their own
 
     int    count = 0;
     double x[kCapacity], y[kCapacity], z[kCapacity];
-    Box    box;
+    Box    box, parts[kCapacity / kPart];
 
     Vec  at(int i) const { return {x[i], y[i], z[i]}; }
-    /// Sets the box from the points.
+    int  partCount() const { return (count + kPart - 1) / kPart; }
+    /// Sets the boxes from the points.
     void bound();
 };
 
 /// Points of a block that a volume reaches, by point; the spheres that reach one point by their place in the cloud.
-/// `cloud` is -1 for a volume that is no cloud.
-struct Candidates
+/// `cloud` is -1 for a volume that is no cloud. Room past the size is kept.
+class Candidates
 {
+public:
     std::vector<int>    point, cloud;
     std::vector<double> d;
 
-    void clear();
+    std::size_t size() const { return size_; }
+    void        clear() { size_ = 0; }
     void add(int p, double distance, int sphere)
     {
-        point.push_back(p);
-        cloud.push_back(sphere);
-        d.push_back(distance);
+        if (size_ == point.size())
+            makeRoom(2 * size_ + PointBlock::kCapacity);
+        point[size_] = p;
+        cloud[size_] = sphere;
+        d[size_++] = distance;
     }
-    std::size_t size() const { return point.size(); }
+
+private:
+    void makeRoom(std::size_t count)
+    {
+        point.resize(count);
+        cloud.resize(count);
+        d.resize(count);
+    }
+
+    std::size_t size_ = 0;
 };
 
 /// A set of volumes made ready for many searches. It keeps the references. Searching is const and safe from many threads.
@@ -52,8 +67,8 @@ public:
     InfluenceSearch(const InfluenceSearch&) = delete;
     InfluenceSearch& operator=(const InfluenceSearch&) = delete;
 
-    /// Volumes that can reach a point of the block, ascending.
-    void volumesNear(const PointBlock& block, std::vector<int>& out) const;
+    /// Volumes that can reach a point in the box, ascending.
+    void volumesNear(const Box& box, std::vector<int>& out) const;
     /// Puts what one volume reaches in place of `out`.
     void find(int volume, const PointBlock& block, Candidates& out) const;
     /// True if some volume can be reached at all.

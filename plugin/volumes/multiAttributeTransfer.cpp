@@ -6,6 +6,9 @@
 #include <maya/MFnNurbsSurface.h>
 #include <maya/MPlug.h>
 
+#include <algorithm>
+#include <vector>
+
 #include "core/attr.h"
 #include "core/node.h"
 #include "core/ramp.h"
@@ -17,25 +20,33 @@ namespace {
 
 enum Mode : short { kWeightsPerComponent = 0, kWeightPerInfluence = 1 };
 
-/// The weight list under construction: outWeightList[row].weights[column], rows ascending.
+/// The weight list under construction: outWeightList[row].weights[column], rows ascending. Elements that are there already
+/// are kept and written again, since others may be connected to them.
 class WeightList
 {
 public:
     explicit WeightList(MDataBlock& block)
-        : block_(block), list_(block.outputArrayValue(multiAttributeTransfer::aOutWgtList)),
-          rows_(&block, multiAttributeTransfer::aOutWgtList, 0)
+        : block_(block), list_(block.outputArrayValue(multiAttributeTransfer::aOutWgtList)), rows_(list_.builder())
     {
+        for (unsigned int i = 0; i < list_.elementCount(); ++i) {
+            list_.jumpToArrayElement(i);
+            before_.push_back(list_.elementIndex());
+        }
     }
     void add(unsigned int row, unsigned int column, double weight)
     {
-        if (!open_ || row != row_)
+        if (written_.empty() || row != written_.back())
             openRow(row);
-        builder_.addElement(column).setFloat(static_cast<float>(weight));
+        weights_.addElement(column).setFloat(static_cast<float>(weight));
     }
-    /// Puts the rows in place of all that was there.
+    /// Takes out what was there and was not added again.
     void write()
     {
         closeRow();
+        for (const unsigned int row : before_) {
+            if (!std::binary_search(written_.begin(), written_.end(), row))
+                rows_.removeElement(row);
+        }
         list_.set(rows_);
         list_.setAllClean();
     }
@@ -44,23 +55,20 @@ private:
     void openRow(unsigned int row)
     {
         closeRow();
-        weights_ = MArrayDataHandle(rows_.addElement(row).child(multiAttributeTransfer::aOutWgt));
-        builder_ = MArrayDataBuilder(&block_, multiAttributeTransfer::aOutWgt, 0);   // none of the weights before
-        row_ = row;
-        open_ = true;
+        row_ = MArrayDataHandle(rows_.addElement(row).child(multiAttributeTransfer::aOutWgt));
+        weights_ = MArrayDataBuilder(&block_, multiAttributeTransfer::aOutWgt, 0);   // none of those before
+        written_.push_back(row);
     }
     void closeRow()
     {
-        if (open_)
-            weights_.set(builder_);
-        open_ = false;
+        if (!written_.empty())
+            row_.set(weights_);
     }
 
-    MDataBlock&       block_;
-    MArrayDataHandle  list_, weights_;
-    MArrayDataBuilder rows_, builder_;
-    unsigned int      row_ = 0;
-    bool              open_ = false;
+    MDataBlock&               block_;
+    MArrayDataHandle          list_, row_;
+    MArrayDataBuilder         rows_, weights_;
+    std::vector<unsigned int> before_, written_;
 };
 
 /// A closed surface repeats CVs, so that its points are not those of its tessellation.

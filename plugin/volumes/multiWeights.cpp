@@ -20,7 +20,7 @@ public:
     {
         table_.clear();
         std::fill(sums_.begin(), sums_.end(), 0.0);
-        search_.volumesNear(block, near_);
+        search_.volumesNear(block.box, near_);
         for (const int v : near_)
             take(v, block);
     }
@@ -56,8 +56,9 @@ private:
     void take(int v, const volume::PointBlock& block)
     {
         search_.find(v, block, found_);
-        at_.assign(found_.d.begin(), found_.d.end());
-        evaluate(volumes_.falloffs[static_cast<std::size_t>(v)].weight, at_, ramped_);
+        at_.assign(found_.d.begin(), found_.d.begin() + static_cast<std::ptrdiff_t>(found_.size()));
+        ramped_.resize(at_.size());
+        evaluate(volumes_.falloffs[static_cast<std::size_t>(v)].weight, at_.data(), at_.size(), ramped_.data());
         for (std::size_t k = 0; k < found_.size(); ++k) {
             const int    sphere = found_.cloud[k];
             const double own = sphere < 0 ? 1.0 : volumes_.cloud.weights[static_cast<std::size_t>(sphere)];

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
+#include <memory>
 
 #include "core/parallel.h"
 
@@ -11,23 +13,29 @@ namespace {
 
 constexpr int kCapacity = volume::PointBlock::kCapacity;
 
-/// Influences of a block with what each brings: columns as long as the table's.
-struct Influences
+/// What one influence brings to its point.
+struct Brought
 {
-    volume::InfluenceTable table;
-    std::vector<double>    kernel, weight, alpha, radius, pull, turn;
-    std::vector<Vec>       color, target;
+    double kernel = 1.0, weight = 0.0, alpha = 0.0, radius = 0.0, pull = 0.0, turn = 0.0;
+    Vec    color, target;
+};
 
-    Influences(int slots, int points, const TransferSettings& on) : table(slots, points)
+/// One volume's influences that got a slot, and their ramps. Columns of ramps that are not wanted stay as they are made:
+/// kernel 1, the others 0.
+struct Batch
+{
+    std::vector<int>   slot, from;   ///< `from`: the candidate
+    std::vector<float> at, kernel, weight, radius, turn, alpha, pull;
+
+    void room(std::size_t count)
     {
-        const std::size_t size = table.d.size();
-        kernel.resize(size, 1.0);
-        for (const auto& [wanted, column] : {std::pair(on.weight, &weight), std::pair(on.color, &alpha),
-                                             std::pair(on.radius, &radius), std::pair(on.position, &pull),
-                                             std::pair(on.normal, &turn)})
-            column->resize(wanted ? size : 0);
-        color.resize(on.color ? size : 0);
-        target.resize(on.position ? size : 0);
+        if (slot.size() >= count)
+            return;
+        slot.resize(count);
+        from.resize(count);
+        kernel.resize(count, 1.0f);
+        for (std::vector<float>* column : {&at, &weight, &radius, &turn, &alpha, &pull})
+            column->resize(count);
     }
 };
 
@@ -40,27 +48,38 @@ struct Values
     bool   reached[kCapacity];
 };
 
+double blended(double old, double value) { return old * (1.0 - value) + value; }
+Vec    over(Vec v, double divisor) { return {v.x / divisor, v.y / divisor, v.z / divisor}; }
+
+void fillBlack(double* rgba, std::size_t count, bool solid)
+{
+    for (std::size_t i = 0; i < count; ++i, rgba += 4) {
+        rgba[0] = rgba[1] = rgba[2] = 0.0;
+        rgba[3] = solid ? 1.0 : 0.0;
+    }
+}
+
 /// One thread's walk over blocks.
 class Walk
 {
 public:
     Walk(const TransferVolumes& volumes, const volume::InfluenceSearch& search, const TransferSettings& settings,
          const TransferInput& in, const TransferOutput& out, int slots)
-        : volumes_(volumes), search_(search), on_(settings), in_(in), out_(out),
-          size_(blockSize(slots)), influences_(slots, size_, settings), order_(2 * static_cast<std::size_t>(slots))
+        : volumes_(volumes), search_(search), on_(settings), in_(in), out_(out), table_(slots, blockSize(slots)),
+          brought_(table_.d.size()), order_(2 * static_cast<std::size_t>(slots))
     {
     }
 
-    void block(std::size_t from)
+    void block(std::size_t from, int most)
     {
-        loadBlock(in_, from, size_, block_);
+        loadBlock(in_, from, most, block_);
         loadValues(from);
+        std::fill(values_.reached, values_.reached + block_.count, false);
         near_.clear();
         if (on_.process)
-            search_.volumesNear(block_, near_);
-        std::fill(values_.reached, values_.reached + block_.count, false);
+            search_.volumesNear(block_.box, near_);
         if (!near_.empty()) {
-            influences_.table.clear();
+            table_.clear();
             for (const int v : near_)
                 take(v);
             for (int i = 0; i < block_.count; ++i)
@@ -71,229 +90,199 @@ public:
 
 private:
     void loadValues(std::size_t from);
+    void loadColors(std::size_t from, std::size_t count);
     void take(int volume);
-    void takeTargets(int volume);
+    void takeCloud(std::size_t taken);
+    void takeShape(int volume, std::size_t taken);
     void blend(int i);
-    void blendColor(int i, const int* order, int count, double kernels);
-    void blendNormal(int i, const int* order, int count, double kernels);
+    void blendNormal(int i, int count, double kernels);
+    void mixColor(double* rgba, Vec color, double alpha) const;
+    double mixed(double old, double value) const { return on_.blend && old != 0.0 ? blended(old, value) : value; }
     void store(std::size_t from);
     void storePoints(std::size_t from);
-
-    /// Calls f(slot, the ramp there, sphere or -1) for each influence just taken.
-    template <class F>
-    void scatter(const Ramp& ramp, F&& f)
-    {
-        evaluate(ramp, at_, ramped_);
-        for (std::size_t k = 0; k < slots_.size(); ++k)
-            f(static_cast<std::size_t>(slots_[k]), static_cast<double>(ramped_[k]), sphere_[k]);
-    }
-    /// Of several influences: the sum of kernel * column over that of the kernel. 0 without any kernel.
-    double mean(const std::vector<double>& column, const int* order, int count, double kernels) const
-    {
-        if (count == 1)
-            return column[static_cast<std::size_t>(order[0])];
-        double sum = 0.0;
-        for (int k = 0; k < count; ++k)
-            sum += influences_.kernel[static_cast<std::size_t>(order[k])] * column[static_cast<std::size_t>(order[k])];
-        return kernels != 0.0 ? sum / kernels : 0.0;
-    }
+    void storeMoved(std::size_t from);
 
     const TransferVolumes&         volumes_;
     const volume::InfluenceSearch& search_;
     const TransferSettings&        on_;
     const TransferInput&           in_;
     const TransferOutput&          out_;
-    int                            size_;
-    Influences                     influences_;
+    volume::InfluenceTable         table_;
+    std::vector<Brought>           brought_;   ///< one a slot
     volume::PointBlock             block_;
     volume::Candidates             candidates_;
     Values                         values_;
     std::vector<int>               near_, order_;
-    std::vector<int>               slots_, sphere_, point_;   ///< one volume's influences that got a slot
-    std::vector<float>             at_, ramped_;
+    Batch                          batch_;
 };
-
-double blended(double old, double value) { return old * (1.0 - value) + value; }
 
 void Walk::loadValues(std::size_t from)
 {
-    const int  count = block_.count;
-    const bool cleared = !on_.merge;
+    const auto count = static_cast<std::size_t>(block_.count);
+    const bool kept = on_.merge;
     if (on_.weight) {
-        for (int i = 0; i < count; ++i) {
-            const std::size_t at = from + static_cast<std::size_t>(i);
-            values_.weight[i] = !cleared && in_.weights && at < in_.weightCount ? in_.weights[at] : 0.0;
-        }
+        const std::size_t given = kept && in_.weights && from < in_.weightCount ? std::min(count, in_.weightCount - from) : 0;
+        std::fill(std::copy_n(in_.weights + (given > 0 ? from : 0), given, values_.weight), values_.weight + count, 0.0);
     }
-    if (on_.radius) {
-        for (int i = 0; i < count; ++i)
-            values_.radius[i] = !cleared && in_.radii ? in_.radii[from + static_cast<std::size_t>(i)] : 0.0;
-    }
-    if (on_.color) {
-        double* to = values_.rgba;
-        if (!cleared && in_.rgba) {
-            std::copy_n(in_.rgba + 4 * from, 4 * count, to);
-        } else if (!cleared && in_.colors) {
-            const float* c = in_.colors + 4 * from;
-            for (int i = 0; i < count; ++i, c += 4, to += 4) {
-                const bool none = c[0] == -1.0f && c[1] == -1.0f && c[2] == -1.0f && c[3] == -1.0f;
-                for (int k = 0; k < 4; ++k)
-                    to[k] = none ? 0.0 : static_cast<double>(c[k]);
-            }
-        } else {
-            for (int i = 0; i < count; ++i, to += 4) {
-                to[0] = to[1] = to[2] = 0.0;
-                to[3] = on_.solidAlpha ? 1.0 : 0.0;
-            }
-        }
-    }
-    if (on_.normal) {
-        for (int i = 0; i < count; ++i) {
-            const double* n = in_.normals ? in_.normals + 3 * (from + static_cast<std::size_t>(i)) : nullptr;
-            const Vec     v = n ? Vec{n[0], n[1], n[2]} : Vec{};
-            values_.length[i] = on_.particles ? length(v) : 1.0;
-            const Vec old = cleared ? Vec{} : v;
-            values_.normal[3 * i] = old.x, values_.normal[3 * i + 1] = old.y, values_.normal[3 * i + 2] = old.z;
-        }
+    if (on_.radius && kept && in_.radii)
+        std::copy_n(in_.radii + from, count, values_.radius);
+    else if (on_.radius)
+        std::fill_n(values_.radius, count, 0.0);
+    if (on_.color)
+        loadColors(from, count);
+    for (std::size_t i = 0; on_.normal && i < count; ++i) {
+        const double* n = in_.normals ? in_.normals + 3 * (from + i) : nullptr;
+        const Vec     v = n ? Vec{n[0], n[1], n[2]} : Vec{};
+        values_.length[i] = on_.particles ? length(v) : 1.0;
+        const Vec old = kept ? v : Vec{};
+        values_.normal[3 * i] = old.x, values_.normal[3 * i + 1] = old.y, values_.normal[3 * i + 2] = old.z;
     }
 }
 
-/// Gives one volume's influences their slots and fills the columns there. A slot that is taken over later in the same
-/// run is filled twice; the later one stays.
+void Walk::loadColors(std::size_t from, std::size_t count)
+{
+    double* to = values_.rgba;
+    if (on_.merge && in_.rgba) {
+        std::copy_n(in_.rgba + 4 * from, 4 * count, to);
+    } else if (on_.merge && in_.colors) {
+        const float* c = in_.colors + 4 * from;
+        for (std::size_t i = 0; i < count; ++i, c += 4, to += 4) {
+            const bool none = c[0] == -1.0f && c[1] == -1.0f && c[2] == -1.0f && c[3] == -1.0f;
+            for (int k = 0; k < 4; ++k)
+                to[k] = none ? 0.0 : static_cast<double>(c[k]);
+        }
+    } else {
+        fillBlack(to, count, on_.solidAlpha);
+    }
+}
+
+/// Gives one volume's influences their slots and fills those. A slot that is taken over later in the same run is filled
+/// twice; the later one stays.
 void Walk::take(int v)
 {
     search_.find(v, block_, candidates_);
-    slots_.clear();
-    at_.clear();
-    sphere_.clear();
-    point_.clear();
-    for (std::size_t k = 0; k < candidates_.size(); ++k) {
-        const int slot =
-            influences_.table.offer(candidates_.point[k], candidates_.d[k], v, candidates_.cloud[k]);
-        if (slot < 0)
-            continue;
-        slots_.push_back(slot);
-        at_.push_back(static_cast<float>(candidates_.d[k]));
-        sphere_.push_back(candidates_.cloud[k]);
-        point_.push_back(candidates_.point[k]);
+    const std::size_t found = candidates_.size();
+    batch_.room(found);
+    std::size_t taken = 0;
+    for (std::size_t k = 0; k < found; ++k) {
+        const int slot = table_.offer(candidates_.point[k], candidates_.d[k], v, candidates_.cloud[k]);
+        batch_.slot[taken] = slot;
+        batch_.from[taken] = static_cast<int>(k);
+        batch_.at[taken] = static_cast<float>(candidates_.d[k]);
+        taken += slot >= 0;
     }
-    if (slots_.empty())
+    if (taken == 0)
         return;
-    const Falloffs&      falloff = volumes_.falloffs[static_cast<std::size_t>(v)];
-    const volume::Cloud& cloud = volumes_.cloud;
-    if (influences_.table.stride() > 1)
-        scatter(volumes_.kernel, [&](std::size_t s, double r, int) { influences_.kernel[s] = r < 0.0 ? 0.0 : r; });
-    if (on_.weight)
-        scatter(falloff.weight, [&](std::size_t s, double r, int j) {
-            influences_.weight[s] = j < 0 ? r : r * cloud.weights[static_cast<std::size_t>(j)];
-        });
-    if (on_.radius)
-        scatter(falloff.radius, [&](std::size_t s, double r, int j) {
-            influences_.radius[s] = j < 0 ? r : r * cloud.radii[static_cast<std::size_t>(j)];
-        });
-    if (on_.normal)
-        scatter(falloff.normal, [&](std::size_t s, double r, int) { influences_.turn[s] = r; });
-    if (on_.color) {
-        scatter(falloff.alpha, [&](std::size_t s, double r, int j) {
-            influences_.alpha[s] = j < 0 ? r : r * cloud.rgba[static_cast<std::size_t>(j)][3];
-        });
-        const bool   flat = falloff.color.entryCount() <= 1;
-        const MColor only = falloff.color.color(0.0f);
-        for (std::size_t k = 0; k < slots_.size(); ++k) {
-            Vec& to = influences_.color[static_cast<std::size_t>(slots_[k])];
-            if (sphere_[k] >= 0) {
-                const auto& c = cloud.rgba[static_cast<std::size_t>(sphere_[k])];
-                to = {c[0], c[1], c[2]};
-            } else {
-                const MColor c = flat ? only : falloff.color.color(at_[k]);
-                to = {c.r, c.g, c.b};
-            }
-        }
+    const Falloffs& falloff = volumes_.falloffs[static_cast<std::size_t>(v)];
+    const auto      ramp = [&](bool wanted, const Ramp& r, std::vector<float>& values) {
+        if (wanted)
+            evaluate(r, batch_.at.data(), taken, values.data());
+    };
+    ramp(table_.stride() > 1, volumes_.kernel, batch_.kernel);
+    ramp(on_.weight, falloff.weight, batch_.weight);
+    ramp(on_.radius, falloff.radius, batch_.radius);
+    ramp(on_.normal, falloff.normal, batch_.turn);
+    ramp(on_.color, falloff.alpha, batch_.alpha);
+    ramp(on_.position, falloff.position, batch_.pull);
+    for (std::size_t k = 0; k < taken; ++k) {
+        Brought& b = brought_[static_cast<std::size_t>(batch_.slot[k])];
+        b.kernel = batch_.kernel[k] < 0.0f ? 0.0 : batch_.kernel[k];
+        b.weight = batch_.weight[k];
+        b.radius = batch_.radius[k];
+        b.turn = batch_.turn[k];
+        b.alpha = batch_.alpha[k];
+        b.pull = batch_.pull[k];
     }
-    if (on_.position) {
-        scatter(falloff.position, [&](std::size_t s, double r, int) { influences_.pull[s] = r; });
-        takeTargets(v);
+    if (volumes_.volumes[static_cast<std::size_t>(v)].kind == volume::Kind::kCloud)
+        takeCloud(taken);
+    else
+        takeShape(v, taken);
+}
+
+/// What a cloud's points bring of their own.
+void Walk::takeCloud(std::size_t taken)
+{
+    const volume::Cloud& cloud = volumes_.cloud;
+    for (std::size_t k = 0; k < taken; ++k) {
+        Brought&   b = brought_[static_cast<std::size_t>(batch_.slot[k])];
+        const auto j = static_cast<std::size_t>(candidates_.cloud[static_cast<std::size_t>(batch_.from[k])]);
+        b.weight *= cloud.weights[j];
+        b.radius *= cloud.radii[j];
+        b.alpha *= cloud.rgba[j][3];
+        b.color = {cloud.rgba[j][0], cloud.rgba[j][1], cloud.rgba[j][2]};
+        b.target = cloud.positions[j];
     }
 }
 
-void Walk::takeTargets(int v)
+void Walk::takeShape(int v, std::size_t taken)
 {
     const volume::Volume& volume = volumes_.volumes[static_cast<std::size_t>(v)];
-    for (std::size_t k = 0; k < slots_.size(); ++k) {
-        Vec& to = influences_.target[static_cast<std::size_t>(slots_[k])];
-        if (sphere_[k] >= 0) {
-            to = volumes_.cloud.positions[static_cast<std::size_t>(sphere_[k])];
-        } else if (volume.kind != volume::Kind::kCapsule) {
-            to = volume.origin;
-        } else {
+    const Ramp&           ramp = volumes_.falloffs[static_cast<std::size_t>(v)].color;
+    const bool            flat = ramp.entryCount() <= 1, capsule = volume.kind == volume::Kind::kCapsule;
+    const MColor          only = ramp.color(0.0f);
+    for (std::size_t k = 0; k < taken; ++k) {
+        Brought& b = brought_[static_cast<std::size_t>(batch_.slot[k])];
+        if (on_.color) {
+            const MColor c = flat ? only : ramp.color(batch_.at[k]);
+            b.color = {c.r, c.g, c.b};
+        }
+        b.target = volume.origin;
+        if (on_.position && capsule) {
             // a point in no region adds no target but its strength all the same: it goes towards the world's origin
-            Vec at;
-            to = volume::target(volume, block_.at(point_[k]), !on_.particles, at) ? at : Vec{};
+            const Vec at = block_.at(candidates_.point[static_cast<std::size_t>(batch_.from[k])]);
+            if (!volume::target(volume, at, !on_.particles, b.target))
+                b.target = {};
         }
     }
 }
 
+/// Sums over a point's influences; of several they are means by the kernel, and 0 without any of it.
 void Walk::blend(int i)
 {
-    const int count = influences_.table.count(i);
+    const int count = table_.count(i);
     if (count == 0)
         return;
     values_.reached[i] = true;
-    const int* order = order_.data();
-    influences_.table.ordered(i, order_.data());
-    double kernels = 0.0;
-    for (int k = 0; count > 1 && k < count; ++k)
-        kernels += influences_.kernel[static_cast<std::size_t>(order[k])];
+    if (count > 2)
+        table_.ordered(i, order_.data());
+    else   // two have the same sum either way
+        order_[0] = table_.first(i), order_[1] = table_.first(i) + 1;
+    double kernels = 0.0, weight = 0.0, radius = 0.0, alpha = 0.0, strength = 0.0;
+    Vec    color, target;
+    for (int k = 0; k < count; ++k) {
+        const Brought& b = brought_[static_cast<std::size_t>(order_[static_cast<std::size_t>(k)])];
+        const double   kw = count > 1 ? b.kernel : 1.0, g = kw * b.pull;
+        kernels += kw;
+        weight += kw * b.weight;
+        radius += kw * b.radius;
+        alpha += kw * b.alpha;
+        color = color + b.color * (on_.alphaModulate ? b.alpha * kw : kw);
+        target = target + b.target * g;
+        strength += g;
+    }
+    if (count > 1 && kernels > 0.0) {
+        weight /= kernels, radius /= kernels, alpha /= kernels, strength /= kernels;
+        color = over(color, kernels);
+        target = over(target, kernels);
+    } else if (count > 1) {
+        weight = radius = alpha = strength = 0.0;
+        color = target = {};
+    }
 
-    if (on_.weight) {
-        const double v = mean(influences_.weight, order, count, kernels);
-        double&      weight = values_.weight[i];
-        weight = on_.blend && weight != 0.0 ? blended(weight, v) : v;
-    }
+    if (on_.weight)
+        values_.weight[i] = mixed(values_.weight[i], weight);
     if (on_.color)
-        blendColor(i, order, count, kernels);
-    if (on_.radius) {
-        const double v = mean(influences_.radius, order, count, kernels);
-        double&      radius = values_.radius[i];
-        radius = on_.blend && radius != 0.0 ? blended(radius, v) : v;
-        if (radius < 0.0)
-            radius = 0.0;
-    }
-    if (on_.position) {
-        Vec    sum;
-        double strength = 0.0;
-        for (int k = 0; k < count; ++k) {
-            const auto   s = static_cast<std::size_t>(order[k]);
-            const double g = count > 1 ? influences_.kernel[s] * influences_.pull[s] : influences_.pull[s];
-            sum = sum + influences_.target[s] * g;
-            strength += g;
-        }
-        if (count > 1) {
-            sum = kernels > 0.0 ? Vec{sum.x / kernels, sum.y / kernels, sum.z / kernels} : Vec{};
-            strength = kernels > 0.0 ? strength / kernels : 0.0;
-        }
-        values_.moved[i] = block_.at(i) * (1.0 - strength) + sum;
-    }
+        mixColor(values_.rgba + 4 * i, color, alpha);
+    if (on_.radius)
+        values_.radius[i] = std::max(0.0, mixed(values_.radius[i], radius));
+    if (on_.position)
+        values_.moved[i] = block_.at(i) * (1.0 - strength) + target;
     if (on_.normal)
-        blendNormal(i, order, count, kernels);
+        blendNormal(i, count, count > 1 ? kernels : 1.0);
 }
 
-void Walk::blendColor(int i, const int* order, int count, double kernels)
+void Walk::mixColor(double* rgba, Vec color, double alpha) const
 {
-    Vec    color;
-    double alpha = 0.0;
-    for (int k = 0; k < count; ++k) {
-        const auto   s = static_cast<std::size_t>(order[k]);
-        const double kw = count > 1 ? influences_.kernel[s] : 1.0;
-        const double a = influences_.alpha[s];
-        color = color + influences_.color[s] * (on_.alphaModulate ? a * kw : kw);
-        alpha += kw * a;
-    }
-    if (count > 1) {
-        color = kernels != 0.0 ? Vec{color.x / kernels, color.y / kernels, color.z / kernels} : Vec{};
-        alpha = kernels != 0.0 ? alpha / kernels : 0.0;
-    }
-    double*    rgba = values_.rgba + 4 * i;
     const bool mixes = on_.blend && (rgba[0] != 0.0 || rgba[1] != 0.0 || rgba[2] != 0.0 || rgba[3] != 0.0);
     rgba[0] = mixes ? blended(rgba[0], color.x) : color.x;
     rgba[1] = mixes ? blended(rgba[1], color.y) : color.y;
@@ -301,22 +290,22 @@ void Walk::blendColor(int i, const int* order, int count, double kernels)
     rgba[3] = on_.solidAlpha ? 1.0 : mixes ? blended(rgba[3], alpha) : alpha;
 }
 
-void Walk::blendNormal(int i, const int* order, int count, double kernels)
+/// The direction is a plain sum, the amount a mean by the kernel.
+void Walk::blendNormal(int i, int count, double kernels)
 {
     Vec    sum, direction;
     double strength = 0.0;
     for (int k = 0; k < count; ++k) {
-        const auto   s = static_cast<std::size_t>(order[k]);
-        const double share = count > 1 ? influences_.turn[s] * influences_.kernel[s] : influences_.turn[s];
-        if (influences_.table.cloud[s] >= 0)
-            direction = volumes_.cloud.normals[static_cast<std::size_t>(influences_.table.cloud[s])];
+        const auto   s = static_cast<std::size_t>(order_[static_cast<std::size_t>(k)]);
+        const double share = count > 1 ? brought_[s].turn * brought_[s].kernel : brought_[s].turn;
+        if (table_.cloud[s] >= 0)
+            direction = volumes_.cloud.normals[static_cast<std::size_t>(table_.cloud[s])];
         else   // a capsule may leave the direction as the influence before left it
-            directionAt(volumes_.volumes[static_cast<std::size_t>(influences_.table.bound[s])], block_.at(i), direction);
+            directionAt(volumes_.volumes[static_cast<std::size_t>(table_.bound[s])], block_.at(i), direction);
         sum = sum + direction * share;
         strength += share;
     }
-    if (count > 1)
-        strength = kernels != 0.0 ? strength / kernels : 0.0;
+    strength = kernels > 0.0 ? strength / kernels : 0.0;
     sum = normalized(sum);
     double* n = values_.normal + 3 * i;
     Vec     result = sum;
@@ -339,13 +328,10 @@ void Walk::store(std::size_t from)
     if (out_.normals)
         std::copy_n(values_.normal, 3 * count, out_.normals + 3 * from);
     if (out_.rgba) {
-        double* to = out_.rgba + 4 * from;
         if (on_.process)
-            std::copy_n(values_.rgba, 4 * count, to);
-        for (std::size_t i = 0; !on_.process && i < count; ++i, to += 4) {   // not the colours before
-            to[0] = to[1] = to[2] = 0.0;
-            to[3] = on_.solidAlpha ? 1.0 : 0.0;
-        }
+            std::copy_n(values_.rgba, 4 * count, out_.rgba + 4 * from);
+        else   // not the colours before
+            fillBlack(out_.rgba + 4 * from, count, on_.solidAlpha);
     }
     if (out_.colors) {
         float* to = out_.colors + 4 * from;
@@ -358,30 +344,38 @@ void Walk::store(std::size_t from)
 
 void Walk::storePoints(std::size_t from)
 {
+    const auto count = static_cast<std::size_t>(block_.count);
+    const bool hasW = in_.points && in_.pointStride == 4;
+    double*    points = out_.points ? out_.points + 4 * from : nullptr;
+    for (std::size_t i = 0; points && i < count; ++i, points += 4)
+        points[0] = block_.x[i], points[1] = block_.y[i], points[2] = block_.z[i], points[3] = 1.0;
+    if (out_.points && hasW)   // those that nothing reaches keep their w
+        std::copy_n(in_.points + 4 * from, 4 * count, out_.points + 4 * from);
+    double* vectors = out_.vectors ? out_.vectors + 3 * from : nullptr;
+    for (std::size_t i = 0; vectors && i < count; ++i, vectors += 3)
+        vectors[0] = block_.x[i], vectors[1] = block_.y[i], vectors[2] = block_.z[i];
+    float*       local = out_.local ? out_.local + 4 * from : nullptr;
+    const float* before = in_.local ? in_.local + 3 * from : nullptr;
+    for (std::size_t i = 0; local && i < count; ++i, local += 4, before += 3)
+        local[0] = before[0], local[1] = before[1], local[2] = before[2], local[3] = 1.0f;
+    if (!near_.empty())
+        storeMoved(from);
+}
+
+void Walk::storeMoved(std::size_t from)
+{
     for (int i = 0; i < block_.count; ++i) {
         const std::size_t at = from + static_cast<std::size_t>(i);
-        const bool        reached = values_.reached[i];
-        const Vec         p = reached ? values_.moved[i] : block_.at(i);
-        if (out_.points) {
-            double* to = out_.points + 4 * at;
-            if (!reached && in_.points && in_.pointStride == 4)
-                std::copy_n(in_.points + 4 * at, 4, to);
-            else
-                to[0] = p.x, to[1] = p.y, to[2] = p.z, to[3] = 1.0;
-        }
-        if (out_.vectors) {
-            double* to = out_.vectors + 3 * at;
+        const Vec         p = values_.moved[i];
+        if (!values_.reached[i])
+            continue;
+        if (double* to = out_.points ? out_.points + 4 * at : nullptr)
+            to[0] = p.x, to[1] = p.y, to[2] = p.z, to[3] = 1.0;
+        if (double* to = out_.vectors ? out_.vectors + 3 * at : nullptr)
             to[0] = p.x, to[1] = p.y, to[2] = p.z;
-        }
-        if (out_.local) {
-            float* to = out_.local + 4 * at;
-            if (reached) {
-                const Vec l = transformPoint(p, in_.toLocal);
-                to[0] = static_cast<float>(l.x), to[1] = static_cast<float>(l.y), to[2] = static_cast<float>(l.z);
-            } else {
-                std::copy_n(in_.local + 3 * at, 3, to);
-            }
-            to[3] = 1.0f;
+        if (float* to = out_.local ? out_.local + 4 * at : nullptr) {
+            const Vec l = transformPoint(p, in_.toLocal);
+            to[0] = static_cast<float>(l.x), to[1] = static_cast<float>(l.y), to[2] = static_cast<float>(l.z);
         }
     }
 }
@@ -399,22 +393,69 @@ Vec TransferInput::at(std::size_t i) const
     return w == 1.0 ? Vec{p[0], p[1], p[2]} : Vec{p[0] / w, p[1] / w, p[2] / w};
 }
 
+namespace {
+
+bool isIdentity(const volume::Matrix& a)
+{
+    const volume::Matrix identity;
+    return std::equal(&a.m[0][0], &a.m[0][0] + 16, &identity.m[0][0]);
+}
+
+/// The box of x, y, z triples, four points at a time in step with the registers.
+volume::Box boxOfTriples(const float* xyz, std::size_t count)
+{
+    constexpr float most = std::numeric_limits<float>::infinity();
+    float           low[12], high[12];
+    std::fill(low, low + 12, most);
+    std::fill(high, high + 12, -most);
+    std::size_t i = 0;
+    for (; i + 4 <= count; i += 4, xyz += 12) {
+        for (int k = 0; k < 12; ++k) {
+            low[k] = xyz[k] < low[k] ? xyz[k] : low[k];
+            high[k] = xyz[k] > high[k] ? xyz[k] : high[k];
+        }
+    }
+    volume::Box box;
+    for (int k = 0; k < 12; k += 3) {
+        box.low = {std::min<double>(box.low.x, low[k]), std::min<double>(box.low.y, low[k + 1]),
+                   std::min<double>(box.low.z, low[k + 2])};
+        box.high = {std::max<double>(box.high.x, high[k]), std::max<double>(box.high.y, high[k + 1]),
+                    std::max<double>(box.high.z, high[k + 2])};
+    }
+    for (; i < count; ++i, xyz += 3)
+        box.add(Vec{xyz[0], xyz[1], xyz[2]});
+    return box;
+}
+
+} // namespace
+
 void loadBlock(const TransferInput& in, std::size_t from, int most, volume::PointBlock& block)
 {
     const std::size_t count = std::min(in.count - from, static_cast<std::size_t>(std::min(most, kCapacity)));
     block.count = static_cast<int>(count);
-    const auto& m = in.toWorld.m;
-    const bool  plain = in.local && in.toWorld.affine();
+    const auto&  m = in.toWorld.m;
+    const float* p = in.local ? in.local + 3 * from : nullptr;
+    if (p && isIdentity(in.toWorld)) {
+        for (std::size_t i = 0; i < count; ++i)
+            block.x[i] = p[3 * i], block.y[i] = p[3 * i + 1], block.z[i] = p[3 * i + 2];
+        block.box = {};
+        for (int part = 0; part < block.partCount(); ++part, p += 3 * volume::PointBlock::kPart) {
+            const int first = part * volume::PointBlock::kPart;
+            block.parts[part] = boxOfTriples(p, static_cast<std::size_t>(std::min(block.count - first, volume::PointBlock::kPart)));
+            block.box.add(block.parts[part]);
+        }
+        return;
+    }
+    const bool plain = p && in.toWorld.affine();
     for (std::size_t i = 0; plain && i < count; ++i) {
-        const float* p = in.local + 3 * (from + i);
-        const double x = p[0], y = p[1], z = p[2];
+        const double x = p[3 * i], y = p[3 * i + 1], z = p[3 * i + 2];
         block.x[i] = x * m[0][0] + y * m[1][0] + z * m[2][0] + m[3][0];
         block.y[i] = x * m[0][1] + y * m[1][1] + z * m[2][1] + m[3][1];
         block.z[i] = x * m[0][2] + y * m[1][2] + z * m[2][2] + m[3][2];
     }
     for (std::size_t i = 0; !plain && i < count; ++i) {
-        const Vec p = in.at(from + i);
-        block.x[i] = p.x, block.y[i] = p.y, block.z[i] = p.z;
+        const Vec at = in.at(from + i);
+        block.x[i] = at.x, block.y[i] = at.y, block.z[i] = at.z;
     }
     block.bound();
 }
@@ -429,13 +470,12 @@ int slotsNeeded(int maxInfluences, const std::vector<volume::Volume>& volumes)
 
 int blockSize(int slots) { return std::clamp(16384 / slots, 1, kCapacity); }
 
-void evaluate(const Ramp& ramp, const std::vector<float>& at, std::vector<float>& values)
+void evaluate(const Ramp& ramp, const float* at, std::size_t count, float* values)
 {
-    values.resize(at.size());
     if (ramp.entryCount() <= 1)
-        std::fill(values.begin(), values.end(), ramp.value(0.0f));
+        std::fill(values, values + count, ramp.value(0.0f));
     else
-        ramp.values(at.data(), at.size(), values.data());
+        ramp.values(at, count, values);
 }
 
 void transfer(const TransferVolumes& volumes, const volume::Box& pointsBox, const TransferSettings& settings,
@@ -443,10 +483,11 @@ void transfer(const TransferVolumes& volumes, const volume::Box& pointsBox, cons
 {
     const volume::InfluenceSearch search(volumes.volumes, volumes.cloud, pointsBox);
     const int                     slots = slotsNeeded(settings.maxInfluences, volumes.volumes);
-    const auto                    step = static_cast<std::size_t>(blockSize(slots));
+    const int                     size = blockSize(slots);
+    const auto                    step = static_cast<std::size_t>(size);
     parallelFor((in.count + step - 1) / step, 64, [&](std::size_t first, std::size_t last) {
-        Walk walk(volumes, search, settings, in, out, slots);
+        const auto walk = std::make_unique<Walk>(volumes, search, settings, in, out, slots);
         for (std::size_t block = first; block < last; ++block)
-            walk.block(block * step);
+            walk->block(block * step, size);
     });
 }

@@ -78,5 +78,5 @@ int slotsNeeded(int maxInfluences, const std::vector<volume::Volume>& volumes);
 /// Points a block may have so that a table of that many slots stays small.
 int blockSize(int slots);
 
-/// Values of a ramp at distances, in bulk.
-void evaluate(const Ramp& ramp, const std::vector<float>& at, std::vector<float>& values);
+/// Values of a ramp at `count` distances.
+void evaluate(const Ramp& ramp, const float* at, std::size_t count, float* values);

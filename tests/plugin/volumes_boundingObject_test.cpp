@@ -130,10 +130,10 @@ TEST_F(BoundingObject, MeshColorsAndComponents)
     run("setAttr bShape.inMeshColorSet -type \"string\" none");
     EXPECT_NEAR(doubles("bShape.rgbaPP")[4], 0.5, 1e-6);
     run("setAttr bShape.inMeshUseComponents 1; createNode network -name g; addAttr -longName ic -dataType componentList g;"
-        "setAttr g.ic -type componentList 2 \"vtx[1]\" \"vtx[3]\"; connectAttr g.ic bShape.inMeshComponents");
+        "setAttr g.ic -type componentList 2 \"vtx[1]\" \"f[0]\"; connectAttr g.ic bShape.inMeshComponents");
     ASSERT_EQ(pointArray("bShape.positionPP").size(), 1u);   // the first element alone counts
     EXPECT_TRUE(pointArray("bShape.positionPP")[0].isEquivalent(MPoint(1, 0, 1), 1e-6));
-    run("setAttr g.ic -type componentList 1 \"f[0]\"");
+    run("setAttr g.ic -type componentList 2 \"f[0]\" \"vtx[1]\"");
     EXPECT_TRUE(pointArray("bShape.positionPP").empty());
     run("setAttr bShape.inMeshUseComponents 2; setAttr bShape.inMeshObjectGroupId 77");
     EXPECT_TRUE(pointArray("bShape.positionPP").empty());   // names nothing
@@ -162,14 +162,14 @@ TEST_F(BoundingObject, CurveColorsOfAllLayouts)
 TEST_F(BoundingObject, PeriodicSurfacesAreRefused)
 {
     cloud();
-    run("sphere -name s; connectAttr `listRelatives -shapes s`.worldSpace[0] bShape.inSurface");
+    run("sphere -name s; rename `listRelatives -shapes s` ss; connectAttr ss.worldSpace[0] bShape.inSurface");
     Warnings warnings;
     EXPECT_TRUE(pointArray("bShape.positionPP").empty());
     ASSERT_EQ(warnings.texts.size(), 1u);
     EXPECT_NE(warnings.texts[0].find("The geometry at the \"inSurface\" input is a periodic nurbs surface."), std::string::npos);
 }
 
-TEST_F(BoundingObject, StatesAndBox)
+TEST_F(BoundingObject, BoxOfACapsule)
 {
     volume("b", 2, 5.0, "setAttr b.scaleX 2; setAttr bShape.topCapOffset 3");
     MSelectionList list;
@@ -181,6 +181,4 @@ TEST_F(BoundingObject, StatesAndBox)
     EXPECT_NEAR(box.min().y, -2.0, 1e-6);
     EXPECT_NEAR(box.max().x, 1.0, 1e-6);
     run("setAttr b.scaleX 0; getAttr bShape.outParentMatrix");   // flat: still answers
-    run("setAttr bShape.nodeState 2");
-    EXPECT_FALSE(plug("bShape.positionPP").asMObject().isNull() && false);
 }

@@ -266,7 +266,7 @@ TEST(InfluenceSearch, SameTableAsThePlainLoop)
             InfluenceTable   table(stride, block.count);
             std::vector<int> near;
             Candidates       found;
-            search.volumesNear(block, near);
+            search.volumesNear(block.box, near);
             for (const int v : near) {
                 search.find(v, block, found);
                 for (std::size_t k = 0; k < found.size(); ++k)
@@ -313,7 +313,7 @@ TEST(InfluenceSearch, CloudsAwayFromThePointsReachNothing)
     block.x[0] = block.y[0] = block.z[0] = 0.0;
     block.bound();
     std::vector<int> near;
-    search.volumesNear(block, near);
+    search.volumesNear(block.box, near);
     for (const int v : near)
         EXPECT_NE(s.volumes[std::size_t(v)].kind, Kind::kCloud);
 }
