@@ -1,4 +1,5 @@
 // A prompt for MEL and Python. "python" and "mel" on a line of their own change the language, "quit" or Ctrl-D ends.
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 
@@ -42,8 +43,21 @@ bool isCompletePython(const std::string& text, const std::string& line)
     return isComplete(text) && (line.empty() || line.back() != ':');
 }
 
+/// Ctrl-C at the prompt: a new line.
+int startOver()
+{
+    rl_replace_line("", 0);
+    rl_crlf();
+    rl_on_new_line();
+    rl_redisplay();
+    return 0;
+}
+
 bool readLine(const char* prompt, std::string& line)
 {
+    struct sigaction nothing{};
+    nothing.sa_handler = [](int) {};
+    sigaction(SIGINT, &nothing, nullptr);
     char* text = readline(prompt);
     if (!text)
         return false;
@@ -56,10 +70,12 @@ bool readLine(const char* prompt, std::string& line)
 
 void runText(const std::string& text, bool python)
 {
+    catchInterrupts();
     try
     {
         if (python)
         {
+            mirk::python::forgetInterrupt();   // one that MEL has taken
             if (const std::string result = mirk::python::runForText(text); !result.empty())
                 mirk::message::print(result + "\n");
         }
@@ -77,6 +93,7 @@ void runText(const std::string& text, bool python)
 int shell(bool python, bool interactive)
 {
     start(interactive);
+    rl_signal_event_hook = startOver;
     std::string text, line;
     while (readLine(text.empty() ? (python ? ">>> " : "mel> ") : "...  ", line))
     {
