@@ -15,16 +15,19 @@
 #include "command/shell_access.h"
 #include "command/startup.h"
 #include "mel/interpreter.h"
+#include "mel/native_tier.h"
 #include "python/python.h"
 
 namespace app {
 
 namespace {
 
+volatile std::sig_atomic_t interrupts = 0;
+
+/// The first one asks the script to stop; if that does not help, the second one ends the program.
 void onInterrupt(int)
 {
-    static volatile std::sig_atomic_t count = 0;
-    if (++count > 1)
+    if (++interrupts > 1)
         _exit(130);
     mirk::mel::interrupt();
     mirk::python::interrupt();
@@ -32,7 +35,11 @@ void onInterrupt(int)
 
 }  // namespace
 
-void catchInterrupts() { std::signal(SIGINT, onInterrupt); }
+void catchInterrupts()
+{
+    interrupts = 0;
+    std::signal(SIGINT, onInterrupt);
+}
 
 void start(bool interactive)
 {
@@ -82,7 +89,13 @@ int main(int argc, char** argv)
     shell->add_flag("--python", python, "Begin with Python");
     shell->add_flag("--interactive", interactive, "Report interactive mode");
 
+    bool noNative = false;
+    for (CLI::App* command : {run, shell})
+        command->add_flag("--no-native", noNative, "Run MEL as bytecode only, without machine code");
+
     CLI11_PARSE(cli, argc, argv);
+    if (noNative)
+        mirk::mel::setNative(false);
     int status = 1;
     if (allowShell)
         mirk::command::allowShell(true);

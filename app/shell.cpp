@@ -1,6 +1,7 @@
 // A prompt for MEL and Python, with history and completion. "python" and "mel" on a line of their own change the
 // language, "quit" or Ctrl-D ends.
 #include <algorithm>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -114,8 +115,21 @@ void keepHistory()
     }
 }
 
+/// Ctrl-C at the prompt: a new line.
+int startOver()
+{
+    rl_replace_line("", 0);
+    rl_crlf();
+    rl_on_new_line();
+    rl_redisplay();
+    return 0;
+}
+
 bool readLine(const char* prompt, std::string& line)
 {
+    struct sigaction nothing{};
+    nothing.sa_handler = [](int) {};
+    sigaction(SIGINT, &nothing, nullptr);
     char* text = readline(prompt);
     if (!text)
         return false;
@@ -129,10 +143,12 @@ bool readLine(const char* prompt, std::string& line)
 
 void runText(const std::string& text, bool python)
 {
+    catchInterrupts();
     try
     {
         if (python)
         {
+            mirk::python::forgetInterrupt();   // one that MEL has taken
             if (const std::string result = mirk::python::runForText(text); !result.empty())
                 mirk::message::print(result + "\n");
         }
@@ -150,8 +166,8 @@ void runText(const std::string& text, bool python)
 int shell(bool python, bool interactive)
 {
     start(interactive);
-    catchInterrupts();
     prepareLineEditing();
+    rl_signal_event_hook = startOver;
     std::string text, line;
     g_python = python;
     while (readLine(text.empty() ? (g_python ? ">>> " : "mel> ") : "...  ", line))

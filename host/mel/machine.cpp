@@ -25,7 +25,25 @@ constexpr size_t kMaxFrames = 50000;
 constexpr int    kMaxDepth = 100;                 // entries from outside use the native stack
 
 int32_t wrap(int64_t v) { return int32_t(uint32_t(uint64_t(v))); }
-double  length(const Vec3& v) { return std::sqrt(v.x * v.x + v.y * v.y + v.z * v.z); }
+
+// Of two NaNs the processor gives the first, and a compiler may swap operands: machine code would show another sign.
+#if defined(__x86_64__)
+inline double plus(double a, double b)
+{
+    asm("addsd %1, %0" : "+x"(a) : "xm"(b));
+    return a;
+}
+inline double times(double a, double b)
+{
+    asm("mulsd %1, %0" : "+x"(a) : "xm"(b));
+    return a;
+}
+#else
+inline double plus(double a, double b) { return a + b; }
+inline double times(double a, double b) { return a * b; }
+#endif
+inline double dotted(const Vec3& u, const Vec3& v) { return plus(plus(times(u.x, v.x), times(u.y, v.y)), times(u.z, v.z)); }
+inline double length(const Vec3& v) { return std::sqrt(dotted(v, v)); }
 
 [[noreturn]] void divideByZero() { throw Error("Divide by zero."); }
 
@@ -513,17 +531,17 @@ L_NEGI: A.i = wrap(-int64_t(B.i)); NEXT();
 L_NOTI: A.i = B.i == 0; NEXT();
 L_INCI: A.i = wrap(int64_t(A.i) + ip->i); NEXT();
 
-L_ADDF: A.d = B.d + C.d; NEXT();
+L_ADDF: A.d = plus(B.d, C.d); NEXT();
 L_SUBF: A.d = B.d - C.d; NEXT();
-L_MULF: A.d = B.d * C.d; NEXT();
+L_MULF: A.d = times(B.d, C.d); NEXT();
 L_DIVF: if (C.d == 0) [[unlikely]] { SAVE(); divideByZero(); } A.d = B.d / C.d; NEXT();
 L_MODF: if (C.d == 0) [[unlikely]] { SAVE(); divideByZero(); } A.d = std::fmod(B.d, C.d); NEXT();
 L_NEGF: A.d = -B.d; NEXT();
 L_NOTF: A.i = B.d == 0; NEXT();
 
-L_ADDV: { const Vec3 u = vec(&B), v = vec(&C); putVec(&A, {u.x + v.x, u.y + v.y, u.z + v.z}); } NEXT();
+L_ADDV: { const Vec3 u = vec(&B), v = vec(&C); putVec(&A, {plus(u.x, v.x), plus(u.y, v.y), plus(u.z, v.z)}); } NEXT();
 L_SUBV: { const Vec3 u = vec(&B), v = vec(&C); putVec(&A, {u.x - v.x, u.y - v.y, u.z - v.z}); } NEXT();
-L_MULVF: { const Vec3 u = vec(&B); const double s = C.d; putVec(&A, {u.x * s, u.y * s, u.z * s}); } NEXT();
+L_MULVF: { const Vec3 u = vec(&B); const double s = C.d; putVec(&A, {times(u.x, s), times(u.y, s), times(u.z, s)}); } NEXT();
 L_DIVVF:
 {
     const Vec3   u = vec(&B);
@@ -536,8 +554,8 @@ L_DIVVF:
     putVec(&A, {u.x / s, u.y / s, u.z / s});
     NEXT();
 }
-L_DOTV: { const Vec3 u = vec(&B), v = vec(&C); A.d = u.x * v.x + u.y * v.y + u.z * v.z; } NEXT();
-L_CROSSV: { const Vec3 u = vec(&B), v = vec(&C); putVec(&A, {u.y * v.z - u.z * v.y, u.z * v.x - u.x * v.z, u.x * v.y - u.y * v.x}); } NEXT();
+L_DOTV: { const Vec3 u = vec(&B), v = vec(&C); A.d = dotted(u, v); } NEXT();
+L_CROSSV: { const Vec3 u = vec(&B), v = vec(&C); putVec(&A, {times(u.y, v.z) - times(u.z, v.y), times(u.z, v.x) - times(u.x, v.z), times(u.x, v.y) - times(u.y, v.x)}); } NEXT();
 L_BINV: SAVE(); putVec(&A, vectorArithmetic(Op(ip->i), vec(&B), vec(&C))); NEXT();
 L_NEGV: { const Vec3 u = vec(&B); putVec(&A, {-u.x, -u.y, -u.z}); } NEXT();
 L_MKV:  { const Vec3 v{B.d, C.d, r[ip->i].d}; putVec(&A, v); } NEXT();

@@ -153,7 +153,11 @@ void start()
     config.install_signal_handlers = 1;
     config.buffered_stdio = 1;
     PyConfig_SetString(&config, &config.program_name, L"python3");
+    struct sigaction before{};
+    sigaction(SIGINT, nullptr, &before);
     const PyStatus status = Py_InitializeFromConfig(&config);
+    if (before.sa_handler != SIG_DFL)
+        sigaction(SIGINT, &before, nullptr);   // whoever has it passes it on through `interrupt`
     PyConfig_Clear(&config);
     if (PyStatus_Exception(status))
         throw Error(std::string("Python cannot be started: ") + (status.err_msg ? status.err_msg : ""));
@@ -212,6 +216,15 @@ int runFile(const std::string& path, const std::vector<std::string>& arguments)
 }
 
 void setMelEvaluator(Value (*evaluate)(const std::string& text)) { melEvaluator = evaluate; }
+
+void forgetInterrupt()
+{
+    if (!g_started)
+        return;
+    const Lock lock;
+    PyErr_CheckSignals();
+    PyErr_Clear();
+}
 
 void interrupt()
 {

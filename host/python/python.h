@@ -26,5 +26,7 @@ int            runFile(const std::string& path, const std::vector<std::string>& 
 void setMelEvaluator(command::Value (*evaluate)(const std::string& text));
 /// For the keyboard: asks the running Python code to stop. May be called from a signal handler.
 void interrupt();
+/// Drops an interrupt that no Python code has seen.
+void forgetInterrupt();
 
 }  // namespace mirk::python

@@ -6,7 +6,7 @@
 #include <memory>
 #include <vector>
 
-#include "spatial/pointTree.h"
+#include "core/pointTree.h"
 
 namespace neighbors {
 struct Result;

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <limits>
 
-#include "spatial/pointTree.h"
+#include "core/pointTree.h"
 
 namespace neighbors {
 

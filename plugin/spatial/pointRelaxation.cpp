@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "spatial/pointTree.h"
+#include "core/pointTree.h"
 
 namespace relaxation {
 

@@ -1,6 +1,6 @@
 #include "volumes/componentBounds.h"
 
-#include "volumes/pointTree.h"
+#include "core/pointTree.h"
 
 using volume::Vec;
 
@@ -24,10 +24,10 @@ template <class Mark>
 void eachReached(const std::vector<double>& xyz, const std::vector<Vec>& centers, const std::vector<double>& radii,
                  Mark&& mark)
 {
-    const PointTree tree(xyz);
+    const PointTree tree(xyz.data(), xyz.size() / 3);
     for (std::size_t j = 0; j < centers.size(); ++j) {
         const double center[3] = {centers[j].x, centers[j].y, centers[j].z};
-        for (int id : tree.within(center, radii[j])) {
+        for (int id : tree.reached(center, radii[j])) {
             const auto i = static_cast<std::size_t>(id);
             if (volume::cloudDistance(at(xyz, i), centers[j], radii[j]) != volume::kOutside)
                 mark(i);

@@ -1,7 +1,7 @@
 #include "volumes/componentMirror.h"
 
 #include "volumes/componentNormals.h"
-#include "volumes/pointTree.h"
+#include "core/pointTree.h"
 
 namespace {
 
@@ -22,7 +22,7 @@ bool isMirrored(const double fromOrigin[3], const MirrorPlane& plane, MirrorDire
 std::vector<int> mirrorImages(const std::vector<double>& xyz, const std::vector<int>& selected, const MirrorPlane& plane,
                               const MirrorRule& rule)
 {
-    const PointTree  tree(xyz);
+    const PointTree  tree(xyz.data(), xyz.size() / 3);
     std::vector<int> images;
     images.reserve(selected.size());
     for (int id : selected) {

@@ -1,15 +1,17 @@
-#include "spatial/pointTree.h"
+#include "core/pointTree.h"
 
 #include <nanoflann.hpp>
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace {
 
-bool isFinite(const double p[3])
+bool isPlace(const double p[3])
 {
-    return std::isfinite(p[0]) && std::isfinite(p[1]) && std::isfinite(p[2]);
+    constexpr double kFar = 1e150;   // squares stay finite
+    return std::fabs(p[0]) <= kFar && std::fabs(p[1]) <= kFar && std::fabs(p[2]) <= kFar;
 }
 
 /// Points as nanoflann reads them.
@@ -25,13 +27,13 @@ struct Cloud
 
 using Tree = nanoflann::KDTreeSingleIndexAdaptor<nanoflann::L2_Simple_Adaptor<double, Cloud>, Cloud, 3, unsigned int>;
 
-Cloud finitePoints(const double* points, std::size_t n, std::vector<unsigned int>& ids)
+Cloud placesAmong(const double* points, std::size_t n, std::vector<unsigned int>& ids)
 {
     Cloud cloud;
     cloud.xyz.reserve(3 * n);
     ids.reserve(n);
     for (std::size_t i = 0; i < n; ++i, points += 3) {
-        if (!isFinite(points))
+        if (!isPlace(points))
             continue;
         cloud.xyz.insert(cloud.xyz.end(), points, points + 3);
         ids.push_back(static_cast<unsigned int>(i));
@@ -44,11 +46,11 @@ Cloud finitePoints(const double* points, std::size_t n, std::vector<unsigned int
 struct PointTree::Index
 {
     std::vector<unsigned int> ids;     // of the points of the cloud
-    Cloud                     cloud;   // finite points, after building in the order of the leaves
+    Cloud                     cloud;   // places, after building in the order of the leaves
     Tree                      tree;
 
     Index(const double* points, std::size_t n, int leafSize)
-        : cloud(finitePoints(points, n, ids)),
+        : cloud(placesAmong(points, n, ids)),
           tree(3, cloud, nanoflann::KDTreeSingleIndexAdaptorParams(static_cast<std::size_t>(std::max(1, leafSize))))
     {
         // A search reads the points of a leaf one after the other: they are laid down in that order. What is found, and
@@ -78,7 +80,7 @@ PointTree& PointTree::operator=(PointTree&&) noexcept = default;
 std::size_t PointTree::nearest(const double query[3], std::size_t k, unsigned int* ids, double* distancesSq) const
 {
     k = std::min(k, index_->ids.size());
-    if (k == 0 || !isFinite(query))
+    if (k == 0 || !isPlace(query))
         return 0;
     nanoflann::KNNResultSet<double, unsigned int> result(k);
     result.init(ids, distancesSq);
@@ -91,9 +93,32 @@ std::size_t PointTree::nearest(const double query[3], std::size_t k, unsigned in
 void PointTree::within(const double query[3], double limit, Found& found) const
 {
     found.clear();
-    if (index_->ids.empty() || !(limit > 0) || !isFinite(query))
+    if (index_->ids.empty() || !(limit > 0) || !isPlace(query))
         return;
     index_->tree.radiusSearch(query, limit, found, nanoflann::SearchParams());
     for (auto& [id, distanceSq] : found)
         id = index_->ids[id];
+}
+
+int PointTree::nearest(const double query[3], double radius) const
+{
+    unsigned int id = 0;
+    double       distanceSq = 0.0;
+    if (nearest(query, 1, &id, &distanceSq) == 0 || (radius >= 0.0 && !(std::sqrt(distanceSq) <= radius)))
+        return -1;
+    return static_cast<int>(id);
+}
+
+std::vector<int> PointTree::reached(const double query[3], double radius) const
+{
+    std::vector<int> ids;
+    if (index_->ids.empty() || !(radius >= 0.0) || !isPlace(query))
+        return ids;
+    Found found;   // the search leaves out what is exactly at its limit
+    index_->tree.radiusSearch(query, radius * radius * (1.0 + 1e-12) + std::numeric_limits<double>::min(), found,
+                              nanoflann::SearchParams(32, 0.0f, false));
+    ids.reserve(found.size());
+    for (const auto& entry : found)
+        ids.push_back(static_cast<int>(index_->ids[entry.first]));
+    return ids;
 }
