@@ -21,6 +21,7 @@
 
 using namespace mirk;
 using namespace mirk::test;
+using namespace mirk::primitives;
 
 namespace {
 
