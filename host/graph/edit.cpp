@@ -719,12 +719,13 @@ void dropElement(Cell& element)
 {
     bool connected = false;
     walkCells(element, [&](Cell& c) { connected = connected || c.source || c.hasTargets(); });
+    if (connected || element.node->computing)   // who asked for it meanwhile reads no old value
+        walkCells(element, [](Cell& c) {
+            if (!c.isMulti())
+                c.setDefault();
+        });
     if (!connected)
-        return removeElement(element);
-    walkCells(element, [](Cell& c) {
-        if (!c.isMulti())
-            c.setDefault();
-    });
+        removeElement(element);
 }
 
 Cell& addElement(Cell& multi, int index)

@@ -283,7 +283,7 @@ void callCompute(Cell& cell)
         clean(cell);
     else
         cell.flags |= Cell::kLeaky;
-    if (s.depth == 0)
+    if (s.depth == 0 && !cell.is(Cell::kRemoved))   // the caller still looks at the cell it asked for
         collect();
 }
 

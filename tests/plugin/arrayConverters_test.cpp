@@ -51,6 +51,14 @@ TEST_F(ArrayConverters, ArrayToMulti)
     weights();
     EXPECT_EQ(plug("n.outWeightList").numElements(), 0u);
 
+    // elements that the node takes away while they are asked for
+    run("setAttr n.envelope 1; getAttr n.outWeightList[0].weight[1]");
+    give("n.inWeightPP", {'d', {}});
+    double gone = -1;
+    EXPECT_TRUE(MGlobal::executeCommand("getAttr n.outWeightList[0].weight[1]", gone));
+    EXPECT_EQ(gone, 0);
+    give("n.inWeightPP", {'d', {1, 2}});
+
     // the values drive what is connected to them, a deformer's weights for one
     run("setAttr n.envelope 1; createNode multiToArray -name back;"
         "connectAttr n.outWeightList[0].weight[0] back.inWeightList[0].weights[0];"
