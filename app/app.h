@@ -20,6 +20,8 @@ int shell(bool python, bool interactive);
 
 /// Starts the host and loads the toolkit.
 void start(bool interactive);
+/// Runs what scripts put off until the host is idle.
+void idle();
 /// Ctrl-C stops the running script; a second one the process.
 void catchInterrupts();
 

@@ -7,9 +7,12 @@
 
 #include <CLI/CLI.hpp>
 
+#include "api/script.h"
 #include "app.h"
 #include "command/message.h"
 #include "command/registry.h"
+#include "command/script_jobs.h"
+#include "command/shell_access.h"
 #include "command/startup.h"
 #include "mel/interpreter.h"
 #include "python/python.h"
@@ -40,6 +43,12 @@ void start(bool interactive)
     mirk::command::execute("loadPlugin", std::vector<mirk::command::Value>{"-quiet", plugin.string()});
 }
 
+void idle()
+{
+    mirk::script::runIdle();
+    mirk::command::runScriptJobs();
+}
+
 }  // namespace app
 
 int main(int argc, char** argv)
@@ -61,6 +70,9 @@ int main(int argc, char** argv)
     run->add_flag("--wire", options.wire, "Draw edges over the shading");
     run->add_flag("--interactive", options.interactive, "Report interactive mode");
 
+    bool allowShell = false;
+    run->add_flag("--allow-shell", allowShell, "Let MEL start other programs (system, exec, popen)");
+
     std::string name;
     CLI::App* nodes = cli.add_subcommand("nodes", "List the node types, or the attributes of one");
     nodes->add_option("name", name, "A node type");
@@ -72,6 +84,8 @@ int main(int argc, char** argv)
 
     CLI11_PARSE(cli, argc, argv);
     int status = 1;
+    if (allowShell)
+        mirk::command::allowShell(true);
     try
     {
         if (run->parsed())
@@ -80,6 +94,7 @@ int main(int argc, char** argv)
             status = app::nodes(name);
         else
             status = app::shell(python, interactive);
+        mirk::command::endScriptJobs();
     }
     catch (const std::exception& e)
     {

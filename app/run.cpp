@@ -105,6 +105,7 @@ void stepFrames(const RunOptions& o, const Frames& f)
     for (int frame = f.first; frame <= f.last; ++frame)
     {
         command("currentTime", {frame});
+        idle();
         evaluateScene();
         if (o.renderFile.find('#') != std::string::npos)
             render(o, numbered(o.renderFile, frame));
@@ -138,11 +139,15 @@ int run(const RunOptions& o)
     start(o.interactive);
     catchInterrupts();
     for (const std::string& file : o.files)
+    {
         if (const int status = runFile(file))
             return status;
+        idle();
+    }
     if (!o.text.empty())
         if (const Value result = mirk::mel::execute(o.text, "-e"); !result.isNone())
             mirk::message::result(mirk::mel::printed(result));
+    idle();
     if (frames.first <= frames.last)
         stepFrames(o, frames);
     writeResults(o, frames.first <= frames.last);

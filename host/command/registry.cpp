@@ -108,16 +108,29 @@ Strings Call::names() const
 }
 
 void (*onRun)(const Call& call) = nullptr;
+void (*onDone)(const Call& call) = nullptr;
 
-Value run(Call& call)
+namespace {
+
+Value runAsStep(Call& call)
 {
-    if (onRun)
-        onRun(call);
     if (!call.command->undoable || call.isQuery())
         return call.command->handler(call);
     UndoScope scope(call.command->name);
     Value     result = call.command->handler(call);
     scope.commit();
+    return result;
+}
+
+}  // namespace
+
+Value run(Call& call)
+{
+    if (onRun)
+        onRun(call);
+    Value result = runAsStep(call);
+    if (onDone)
+        onDone(call);
     return result;
 }
 

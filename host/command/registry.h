@@ -96,6 +96,8 @@ Call parseKeywords(const Command& command, std::span<const Value> args, std::spa
 Value run(Call& call);
 /// While set, told of every call before it runs.
 extern void (*onRun)(const Call& call);
+/// While set, told of every call that succeeded.
+extern void (*onDone)(const Call& call);
 /// find + parse + run. Throws Error: "Cannot find procedure \"name\"." for an unknown name.
 Value execute(std::string_view name, std::span<const Value> raw);
 

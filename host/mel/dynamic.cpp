@@ -234,7 +234,7 @@ void setElement(Value& a, int32_t i, const Value& e)
     }
 }
 
-int32_t sizeOf(const Value& v, bool text)
+int32_t sizeOf(const Value& v, bool)
 {
     switch (v.kind())
     {
@@ -243,7 +243,7 @@ int32_t sizeOf(const Value& v, bool text)
     case Value::kFloats:  return int32_t(v.asFloats()->size());
     case Value::kStrings: return int32_t(v.get<command::Strings>().size());
     case Value::kVectors: return int32_t(v.get<command::Vectors>().size());
-    case Value::kString:  return text ? int32_t(v.get<std::string>().size()) : 1;
+    case Value::kString:  return int32_t(v.get<std::string>().size());
     default:              return 1;
     }
 }

@@ -1,5 +1,6 @@
 #include "mel/lexer.h"
 
+#include <algorithm>
 #include <charconv>
 
 namespace mirk::mel {
@@ -159,6 +160,41 @@ Token Lexer::next()
     return t;
 }
 
+namespace {
+
+/// Length of the UTF-8 character that begins here; 0 if none does.
+size_t characterLength(const std::string& s, size_t at)
+{
+    const auto   lead = static_cast<unsigned char>(s[at]);
+    const size_t length = lead < 0x80 ? 1 : lead >= 0xf0 && lead < 0xf5 ? 4 : lead >= 0xe0 && lead < 0xf0 ? 3 : lead >= 0xc2 && lead < 0xe0 ? 2 : 0;
+    if (length == 0 || at + length > s.size())
+        return 0;
+    for (size_t i = 1; i < length; ++i)
+        if ((static_cast<unsigned char>(s[at + i]) & 0xc0) != 0x80)
+            return 0;
+    return length;
+}
+
+/// As messages show it: what is no character, or none that can be seen, by its number.
+std::string visible(const std::string& s)
+{
+    static const char* const digits = "0123456789abcdef";
+    std::string              out;
+    for (size_t i = 0; i < s.size();)
+    {
+        const auto   c = static_cast<unsigned char>(s[i]);
+        const size_t length = c < 0x20 || c == 0x7f ? 0 : characterLength(s, i);
+        if (length == 0)
+            out += std::string("\\x") + digits[c >> 4] + digits[c & 15];
+        else
+            out.append(s, i, length);
+        i += std::max<size_t>(length, 1);
+    }
+    return out;
+}
+
+}  // namespace
+
 ScriptError errorAt(const Source& source, uint32_t offset, const std::string& message)
 {
     const std::string& text = source.text;
@@ -183,8 +219,8 @@ ScriptError errorAt(const Source& source, uint32_t offset, const std::string& me
         end += end < text.size() && text[end] == '"';
     }
     else if (end < text.size())
-        ++end;
-    const std::string token = offset == text.size() ? "the end" : '\'' + text.substr(offset, end - offset) + '\'';
+        end += uint32_t(std::max<size_t>(characterLength(text, end), 1));
+    const std::string token = offset == text.size() ? "the end" : '\'' + visible(text.substr(offset, end - offset)) + '\'';
     return {source.name + ", line " + std::to_string(line) + '.' + std::to_string(column) + ", at " + token + ": " + message, message,
             source.name, line, column};
 }

@@ -63,10 +63,15 @@ Type letterType(char letter);
 /// All rows of the name; empty if there is none.
 std::span<const Native* const> nativesOf(std::string_view name);
 
+/// Every row of every table.
+std::vector<const Native*> allNatives();
+
 /// The tables, a file each.
 std::span<const Native> mathNatives();
 std::span<const Native> stringNatives();
 std::span<const Native> arrayNatives();
 std::span<const Native> coreNatives();
+std::span<const Native> fileNatives();
+std::span<const Native> nameNatives();
 
 }  // namespace mirk::mel

@@ -73,6 +73,17 @@ Vec3 rgbOf(const Vec3& hsv)
     return {channel(5), channel(3), channel(1)};
 }
 
+/// A row vector times a matrix of 16 numbers.
+std::vector<double> pointTimesMatrix(const FloatArray& p, const FloatArray& m)
+{
+    if (p.size() != 3 || m.size() != 16)
+        throw command::Error("pointMatrixMult: a point of 3 and a matrix of 16 numbers have to be given.");
+    std::vector<double> out(3);
+    for (int64_t k = 0; k < 3; ++k)
+        out[size_t(k)] = p.get(0) * m.get(k) + p.get(1) * m.get(4 + k) + p.get(2) * m.get(8 + k) + m.get(12 + k);
+    return out;
+}
+
 double sign(double x) { return x < 0 ? -1 : x > 0 ? 1 : 0; }
 double between(double low, double high) { return low + (high - low) * randomUnit(); }
 
@@ -121,6 +132,8 @@ const Native kRows[] = {
     FN("normalize", "v", 'v', unit(c.v(0))),
     FN("angle", "vv", 'f', angle(c.v(0), c.v(1))),
     FN("rot", "vvf", 'v', rotated(c.v(0), c.v(1), c.f(2))),
+    FN("pointMatrixMult", "FF", 'F', Value(pointTimesMatrix(c.floats(0), c.floats(1))).asFloats()),
+    FN("constrainValue", "fff", 'f', std::max(c.f(1), std::min(c.f(2), c.f(0)))),
     FN("floatEq", "ff", 'i', int32_t(std::fabs(c.f(0) - c.f(1)) < 0.0001)),
     FN("equivalentTol", "fff", 'i', int32_t(std::fabs(c.f(0) - c.f(1)) <= c.f(2))),
     FN("equivalent", "ff", 'i', int32_t(std::fabs(c.f(0) - c.f(1)) <= 1e-10)),

@@ -1,4 +1,6 @@
 // Statements of the parser, and the words that have a meaning of their own.
+#include <algorithm>
+
 #include "mel/parser_impl.h"
 
 namespace mirk::mel {
@@ -137,6 +139,9 @@ Node* Parser::declaration(uint32_t offset, Type type, bool global)
         }
         if (type == Type::kMatrix && (!size || !size2 || size->kind != Kind::kIntLit || size2->kind != Kind::kIntLit))
             fail(t.begin, "A matrix needs two constant sizes.");
+        constexpr double kMostInMatrix = 4096;
+        if (type == Type::kMatrix && (size->number < 1 || size2->number < 1 || std::max(size->number, size2->number) > kMostInMatrix))
+            fail(t.begin, "A matrix has 1 to 4096 rows and columns.");
         if (accept("="))
             init = expression();
         for (Node* kid : {size, size2, init})

@@ -39,19 +39,41 @@ bool Parser::functionForm(char terminator)
     return yes;
 }
 
+uint32_t Parser::closingOf(uint32_t open)
+{
+    if (const auto known = closing_.find(open); known != closing_.end())
+        return known->second;
+    const uint32_t        from = lex_.pos;
+    std::vector<uint32_t> opens;
+    lex_.pos = open;
+    do
+    {
+        const Token t = lex_.next();
+        if (t.kind == Tok::kEnd)
+            break;
+        if (t.is("("))
+            opens.push_back(t.begin);
+        else if (t.is(")"))
+        {
+            closing_[opens.back()] = t.end;
+            opens.pop_back();
+        }
+    } while (!opens.empty());
+    for (const uint32_t unclosed : opens)
+        closing_[unclosed] = kUnclosed;
+    lex_.pos = from;
+    return closing_[open];
+}
+
 bool Parser::scanFunctionForm(char terminator)
 {
     const Token name = lex_.next();
     if (!lex_.peek().is("("))
         return false;
-    int level = 0;
-    do
-    {
-        const Token t = lex_.next();
-        if (t.kind == Tok::kEnd)
-            return true;   // the expression parser finds the fault
-        level += t.is("(") ? 1 : t.is(")") ? -1 : 0;
-    } while (level > 0);
+    const uint32_t end = closingOf(lex_.peek().begin);
+    if (end == kUnclosed)
+        return true;   // the expression parser finds the fault
+    lex_.pos = end;
     const bool adjacent = lex_.at() == '.' || lex_.at() == '[';
     lex_.skipBlanks();
     const char c = lex_.at(), d = lex_.at(1);

@@ -1,5 +1,7 @@
 // The recursive descent parser: statements in parser.cpp, commands and expressions in parser_expressions.cpp.
 #pragma once
+#include <unordered_map>
+
 #include "mel/lexer.h"
 #include "mel/parser.h"
 
@@ -112,6 +114,9 @@ private:
     /// Tells `name(a, b)` from `name (a) b`: by what follows the closing parenthesis. The position stays.
     bool functionForm(char terminator);
     bool scanFunctionForm(char terminator);
+    /// Behind the parenthesis that closes the one at `open`, or kUnclosed. Each is looked for once, nested ones along with
+    /// their outer ones, so that deep nesting costs no more than length.
+    uint32_t closingOf(uint32_t open);
     /// A name and the arguments up to the terminator, which stays.
     Node* command(char terminator);
     Node* argument();
@@ -139,9 +144,12 @@ private:
     Node* vectorOrMatrix();
     Node* arrayLiteral();
 
+    static constexpr uint32_t kUnclosed = UINT32_MAX;
+
     Lexer  lex_;
     Arena& arena_;
     int    depth_ = 0;
+    std::unordered_map<uint32_t, uint32_t> closing_;   ///< of parentheses, by position
 };
 
 }  // namespace mirk::mel
