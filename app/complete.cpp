@@ -53,7 +53,9 @@ void addPython(Words& out, const std::string& word)
 {
     try
     {
-        // the completer of Python's own prompt, asked until it has no more
+        // the completer of Python's own prompt, asked until it has no more; with the module `readline` it would take over
+        // the keys of this one
+        mirk::python::run("__import__('sys').modules.setdefault('readline', None)");
         const Value found = mirk::python::run("[w.rstrip('()') for w in iter(lambda c=__import__('rlcompleter').Completer(__import__('__main__')"
                                               ".__dict__), n=__import__('itertools').count(): c.complete('" + word + "', next(n)), None)]");
         addMatching(out, found.asStrings(), word);

@@ -100,7 +100,7 @@ void prepareLineEditing()
     rl_readline_name = "mirk";
     rl_attempted_completion_function = complete;
     rl_completer_word_break_characters = " \t\n\"'`$><=;&{}(),+-*/%^!?[]";   // '.', '|' and ':' belong to names
-    rl_completer_quote_characters = nullptr;
+    rl_basic_quote_characters = "";   // a quoted name may go on, so its quote is not closed
     if (const std::string file = historyFile(); !file.empty() && isatty(STDIN_FILENO))
         read_history(file.c_str());
 }

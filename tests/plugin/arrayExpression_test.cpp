@@ -35,12 +35,20 @@ std::string floatSource(const std::vector<float>& values)
     return "floats.f";
 }
 
+/// Empties the coordinates that the interpreter still holds for an input.
+void forgetVectors(const std::string& number)
+{
+    for (const char* c : {"$ax", "$ay", "$az"})
+        run("float " + (c + number) + "_ARREXP[]; clear " + c + number + "_ARREXP;");
+}
+
 using Doubles = std::vector<double>;
 
 } // namespace
 
 TEST_F(ArrayExpression, EveryKindKeepsItsType)
 {
+    forgetVectors("3");
     node("setAttr e.inTime 2.5");
     connect("inArray", "Int32Array", 3, "1 2 3");
     connect("inArray2", "doubleArray", 3, "0.5 1.5 2.5");
@@ -116,6 +124,18 @@ TEST_F(ArrayExpression, NodesShareTheGlobals)
     expression("$E = $E + 1;");
     EXPECT_EQ(doubles("f.outArray"), (Doubles{20, 30}));
     EXPECT_EQ(doubles("e.outArray"), (Doubles{2, 3}));
+}
+
+TEST_F(ArrayExpression, VectorsThatBecomeFewerKeepTheOldTail)
+{
+    // coordinates are written one by one into globals that keep what they had
+    forgetVectors("");
+    node();
+    connect("inArray", "vectorArray", 3, "1 1 1 2 2 2 3 3 3");
+    expression("$EX = -$EX;");
+    expectNear(vectors("e.outArray"), {{-1, 1, 1}, {-2, 2, 2}, {-3, 3, 3}});
+    run("setAttr arrays.ainArray -type \"vectorArray\" 1 5 5 5");
+    expectNear(vectors("e.outArray"), {{-5, 5, 5}, {-2, 2, 2}, {-3, 3, 3}});
 }
 
 TEST_F(ArrayExpression, ErrorsShowInTheOutputOnly)
