@@ -10,6 +10,14 @@ add_test(NAME check.NodeTable
           -P "${CMAKE_SOURCE_DIR}/cmake/checks/NodeTable.cmake")
 add_test(NAME plugin.Attributes COMMAND mirk run "${CMAKE_SOURCE_DIR}/tests/plugin/attributes_test.py")
 
+# examples: each tells by its exit status whether its network gave what it should
+foreach(example arrays_arithmetic arrays_converters arrays_uvs)
+  add_test(NAME example.${example} COMMAND mirk run "${CMAKE_SOURCE_DIR}/examples/${example}.py")
+endforeach()
+if(EXISTS /usr/share/glmark2/models/bunny.obj)
+  add_test(NAME example.arrays_bunny COMMAND mirk run "${CMAKE_SOURCE_DIR}/examples/arrays_bunny.py")
+endif()
+
 # loading seen from inside a session, in both modes; each has an empty tools' directory of its own
 foreach(mode batch interactive)
   set(directory "${CMAKE_BINARY_DIR}/tools-${mode}")

@@ -3,6 +3,7 @@
 
 #include <maya/MTime.h>
 
+#include "anim/curve_node.h"
 #include "api/playback.h"
 #include "command/registry.h"
 #include "dag/dag.h"
@@ -110,10 +111,13 @@ void registerBuiltinNodes()
     nodes::registerDagTypes();
     nodes::registerShapeTypes();
     nodes::registerUtilityTypes();
+    nodes::registerMathTypes();
     nodes::registerPluginKinds();
     nodes::registerPolygonMakers();
     nodes::registerNurbsMakers();
     nodes::registerRemapValue();
+    anim::registerCurveTypes();
+    nodes::registerSetTypes();
     scene().onRemoved = selection::dropNode;
 }
 

@@ -37,6 +37,7 @@ NodeType* registerRow(const Row& row, Role role = Role::plain, void (*prepare)(N
 void registerDagTypes();
 void registerShapeTypes();
 void registerUtilityTypes();
+void registerMathTypes();
 void registerPluginKinds();
 void registerPolygonMakers();
 void registerNurbsMakers();

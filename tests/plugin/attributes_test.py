@@ -33,8 +33,13 @@ def path(node, attribute):
 
 def kind(node, attribute):
     """Attributes made by a typed function set tell their type by their value."""
-    found = mc.attributeQuery(attribute, node=node, attributeType=True)
-    return mc.getAttr(path(node, attribute), type=True) if found == 'typed' else found
+    found = mc.attributeQuery(leaf(attribute), node=node, attributeType=True)
+    return mc.getAttr(path(node, leaf(attribute)), type=True) if found == 'typed' else found
+
+
+def leaf(attribute):
+    """Rows may name a child with its parents."""
+    return attribute.split('.')[-1]
 
 
 rows = []
@@ -52,15 +57,16 @@ for nodeType, attribute, short, type, default, values, role in rows:
         order[nodeType] += [attribute + part for part in RAMPS[type]]
         type = 'compound'
     what = nodeType + '.' + attribute
-    if not mc.attributeQuery(attribute, node=node, exists=True):
+    if not mc.attributeQuery(leaf(attribute), node=node, exists=True):
         failures.append(what + ': there is no such attribute')
         continue
 
     def query(**flag):
-        return mc.attributeQuery(attribute, node=node, **flag)
+        return mc.attributeQuery(leaf(attribute), node=node, **flag)
 
     same(what + ' short name', query(shortName=True), short)
-    if not (type in ('mesh', 'nurbsCurve', 'nurbsSurface', 'componentList') and query(attributeType=True) == 'typed'):   # no value to ask
+    noValue = type in ('mesh', 'nurbsCurve', 'nurbsSurface', 'componentList') and query(attributeType=True) == 'typed'
+    if not noValue:
         same(what + ' type', kind(node, attribute), type)
     same(what + ' flags', (query(keyable=True), query(storable=True), query(writable=True)), ROLES[role])
     if default != '-':
@@ -74,7 +80,9 @@ for nodeType, attribute, short, type, default, values, role in rows:
             same(what + ' ' + name, query(**{name: True}), [float(value)])
 
 for nodeType, expected in order.items():
-    plain = set(mc.listAttr(mc.createNode('locator' if mc.objectType(nodes[nodeType], isAType='shape') else 'network')))
-    same(nodeType + ' in order', [name.split('.')[-1] for name in mc.listAttr(nodes[nodeType]) if name not in plain], expected)
+    base = 'locator' if mc.objectType(nodes[nodeType], isAType='shape') else 'network'
+    plain = set(mc.listAttr(mc.createNode(base)))
+    own = [name.split('.')[-1] for name in mc.listAttr(nodes[nodeType]) if name not in plain]   # children: parent.child
+    same(nodeType + ' in order', own, [leaf(name) for name in expected])
 
 sys.exit('\n'.join(failures) if failures else 0)
