@@ -15,9 +15,9 @@ import maya.cmds as mc
 
 MODEL = os.environ.get('MIRK_BUNNY', '/usr/share/glmark2/models/bunny.obj')
 LAST = 24
-SWELL = 0.045           # of the height, at weight 1
-GREY = (0.58, 0.57, 0.55)
-CORAL, SEA, GOLD = (0.98, 0.32, 0.22), (0.10, 0.45, 0.75), (1.00, 0.76, 0.18)
+SWELL = 0.03            # of the height, at weight 1
+GREY = (0.34, 0.33, 0.32)
+CORAL, SEA, GOLD = (0.95, 0.16, 0.10), (0.02, 0.26, 0.75), (0.95, 0.60, 0.03)
 
 
 def importModel():
@@ -91,7 +91,7 @@ def threeVolumes(low, high):
     key(capsule, LAST, translateX=middle[0] + 0.1 * h, translateY=0.42 * h, translateZ=middle[2] + 0.25 * h, rotateZ=150,
         rotateX=20)
 
-    ring = mc.polyTorus(radius=0.40 * h, sectionRadius=0.02 * h, subdivisionsX=36, subdivisionsY=3, name='ring')[0]
+    ring = mc.polyTorus(radius=0.40 * h, sectionRadius=0.02 * h, subdivisionsX=20, subdivisionsY=3, name='ring')[0]
     ringShape = mc.listRelatives(ring, shapes=True, fullPath=True)[0]
     mc.setAttr(ringShape + '.visibility', False)
     cloud, cloudShape = volume('cloud', 3, GOLD, 0.2, pointRadius=0.085 * h)
@@ -123,9 +123,9 @@ def swell(mesh, weights, amount):
 
 def frameCamera(low, high):
     h = high[1] - low[1]
-    turn, tilt, distance = math.radians(16.0), math.radians(9.0), 2.6 * h
+    turn, tilt, distance = math.radians(16.0), math.radians(9.0), 2.25 * h
     mc.setAttr('persp.translate', (low[0] + high[0]) / 2.0 + distance * math.sin(turn) * math.cos(tilt),
-               0.47 * h + distance * math.sin(tilt), distance * math.cos(turn) * math.cos(tilt), type='double3')
+               0.5 * h + distance * math.sin(tilt), distance * math.cos(turn) * math.cos(tilt), type='double3')
     mc.setAttr('persp.rotate', -math.degrees(tilt), math.degrees(turn), 0.0, type='double3')
 
 
