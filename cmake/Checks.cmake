@@ -19,6 +19,9 @@ if(EXISTS /usr/share/glmark2/models/bunny.obj)
   add_test(NAME example.arrays_bunny COMMAND mirk run "${CMAKE_SOURCE_DIR}/examples/arrays_bunny.py")
 endif()
 
+add_test(NAME example.volumes COMMAND mirk run "${CMAKE_SOURCE_DIR}/examples/volumes.py" --frames 11-13)
+set_tests_properties(example.volumes PROPERTIES ENVIRONMENT "MIRK_BUNNY=none")   # on its small sphere
+
 # loading seen from inside a session, in both modes; each has an empty tools' directory of its own
 foreach(mode batch interactive)
   set(directory "${CMAKE_BINARY_DIR}/tools-${mode}")

@@ -188,6 +188,38 @@ InfluenceTable::InfluenceTable(int stride, int points)
     cloud.resize(size);
 }
 
+int InfluenceTable::offer(int point, double distance, int volume, int sphere)
+{
+    int* const count = &count_[static_cast<std::size_t>(point)];
+    const int  first = point * stride_, last = first + stride_;
+    int        slot = first;
+    if (*count < stride_) {
+        slot = first + (*count)++;
+    } else {
+        while (slot < last && !(d[static_cast<std::size_t>(slot)] > distance))
+            ++slot;
+        if (slot == last)
+            return -1;
+    }
+    const auto at = static_cast<std::size_t>(slot);
+    d[at] = distance;
+    bound[at] = volume;
+    cloud[at] = sphere;
+    return slot;
+}
+
+std::size_t InfluenceTable::offer(const Candidates& candidates, int volume, int* slots, int* which)
+{
+    std::size_t taken = 0;
+    for (std::size_t k = 0; k < candidates.size(); ++k) {
+        const int slot = offer(candidates.point[k], candidates.d[k], volume, candidates.cloud[k]);
+        slots[taken] = slot;
+        which[taken] = static_cast<int>(k);
+        taken += slot >= 0;
+    }
+    return taken;
+}
+
 void InfluenceTable::clear() { std::fill(count_.begin(), count_.end(), 0); }
 
 int InfluenceTable::ordered(int point, int* order) const

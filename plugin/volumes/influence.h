@@ -91,24 +91,10 @@ public:
     void clear();
     /// Offers an influence to a point. It takes a free slot or, if there is none, that of the first influence that is
     /// farther, not of the farthest: results depend on it. Gives the slot's place in the columns, or -1.
-    int  offer(int point, double distance, int volume, int sphere)
-    {
-        int* const  count = &count_[point];
-        const int   first = point * stride_;
-        int         slot = first;
-        if (*count < stride_) {
-            slot = first + (*count)++;
-        } else {
-            while (slot < first + stride_ && !(d[slot] > distance))
-                ++slot;
-            if (slot == first + stride_)
-                return -1;
-        }
-        d[slot] = distance;
-        bound[slot] = volume;
-        cloud[slot] = sphere;
-        return slot;
-    }
+    int offer(int point, double distance, int volume, int sphere);
+    /// The same for all candidates of a volume. Those that got a slot come out as pairs of slot and candidate, in arrays
+    /// with room for all; gives their number.
+    std::size_t offer(const Candidates& candidates, int volume, int* slots, int* which);
     int  stride() const { return stride_; }
     int  first(int point) const { return point * stride_; }
     int  count(int point) const { return count_[point]; }

@@ -161,18 +161,12 @@ void Walk::loadColors(std::size_t from, std::size_t count)
 void Walk::take(int v)
 {
     search_.find(v, block_, candidates_);
-    const std::size_t found = candidates_.size();
-    batch_.room(found);
-    std::size_t taken = 0;
-    for (std::size_t k = 0; k < found; ++k) {
-        const int slot = table_.offer(candidates_.point[k], candidates_.d[k], v, candidates_.cloud[k]);
-        batch_.slot[taken] = slot;
-        batch_.from[taken] = static_cast<int>(k);
-        batch_.at[taken] = static_cast<float>(candidates_.d[k]);
-        taken += slot >= 0;
-    }
+    batch_.room(candidates_.size());
+    const std::size_t taken = table_.offer(candidates_, v, batch_.slot.data(), batch_.from.data());
     if (taken == 0)
         return;
+    for (std::size_t k = 0; k < taken; ++k)
+        batch_.at[k] = static_cast<float>(candidates_.d[static_cast<std::size_t>(batch_.from[k])]);
     const Falloffs& falloff = volumes_.falloffs[static_cast<std::size_t>(v)];
     const auto      ramp = [&](bool wanted, const Ramp& r, std::vector<float>& values) {
         if (wanted)
@@ -184,8 +178,10 @@ void Walk::take(int v)
     ramp(on_.normal, falloff.normal, batch_.turn);
     ramp(on_.color, falloff.alpha, batch_.alpha);
     ramp(on_.position, falloff.position, batch_.pull);
+    Brought* const brought = brought_.data();
+    const int*     slots = batch_.slot.data();
     for (std::size_t k = 0; k < taken; ++k) {
-        Brought& b = brought_[static_cast<std::size_t>(batch_.slot[k])];
+        Brought& b = brought[slots[k]];
         b.kernel = batch_.kernel[k] < 0.0f ? 0.0 : batch_.kernel[k];
         b.weight = batch_.weight[k];
         b.radius = batch_.radius[k];
@@ -247,16 +243,19 @@ void Walk::blend(int i)
         table_.ordered(i, order_.data());
     else   // two have the same sum either way
         order_[0] = table_.first(i), order_[1] = table_.first(i) + 1;
+    const int*     order = order_.data();
+    const Brought* brought = brought_.data();
+    const bool     modulate = on_.alphaModulate;
     double kernels = 0.0, weight = 0.0, radius = 0.0, alpha = 0.0, strength = 0.0;
     Vec    color, target;
     for (int k = 0; k < count; ++k) {
-        const Brought& b = brought_[static_cast<std::size_t>(order_[static_cast<std::size_t>(k)])];
+        const Brought& b = brought[order[k]];
         const double   kw = count > 1 ? b.kernel : 1.0, g = kw * b.pull;
         kernels += kw;
         weight += kw * b.weight;
         radius += kw * b.radius;
         alpha += kw * b.alpha;
-        color = color + b.color * (on_.alphaModulate ? b.alpha * kw : kw);
+        color = color + b.color * (modulate ? b.alpha * kw : kw);
         target = target + b.target * g;
         strength += g;
     }

@@ -65,7 +65,8 @@ for nodeType, attribute, short, type, default, values, role in rows:
         return mc.attributeQuery(leaf(attribute), node=node, **flag)
 
     same(what + ' short name', query(shortName=True), short)
-    if not (type in ('mesh', 'nurbsCurve', 'nurbsSurface', 'componentList') and query(attributeType=True) == 'typed'):   # no value to ask
+    noValue = type in ('mesh', 'nurbsCurve', 'nurbsSurface', 'componentList') and query(attributeType=True) == 'typed'
+    if not noValue:
         same(what + ' type', kind(node, attribute), type)
     same(what + ' flags', (query(keyable=True), query(storable=True), query(writable=True)), ROLES[role])
     if default != '-':
@@ -79,7 +80,8 @@ for nodeType, attribute, short, type, default, values, role in rows:
             same(what + ' ' + name, query(**{name: True}), [float(value)])
 
 for nodeType, expected in order.items():
-    plain = set(mc.listAttr(mc.createNode('network')))
+    base = 'locator' if mc.objectType(nodes[nodeType], isAType='shape') else 'network'
+    plain = set(mc.listAttr(mc.createNode(base)))
     own = [name.split('.')[-1] for name in mc.listAttr(nodes[nodeType]) if name not in plain]   # children: parent.child
     same(nodeType + ' in order', own, [leaf(name) for name in expected])
 

@@ -139,7 +139,7 @@ public:
             touch(data);
             if (written && out->attr->kind == AttrKind::kTyped && isArray(out->attr->dataType) && data.isNull())
                 complain(what + ": " + out->attr->longName + " was not written");
-            failed = failed || (out->is(Cell::kDirty) && !out->is(Cell::kRemoved));   // an element may be gone
+            failed = failed || (out->is(Cell::kDirty) && !out->is(Cell::kRemoved));
         }
         mirk::message::removeSink(sink);
         if (failed && written && said == 0)
