@@ -10,16 +10,16 @@ namespace mirk::playback {
 Range& range()
 {
     static Range r = [] {
-        const double frame = MTime(1, MTime::uiUnit()).as(MTime::kSeconds);
-        return Range{frame, 120 * frame, frame, 200 * frame};
+        const auto frame = [](double f) { return MTime(f, MTime::uiUnit()).as(MTime::kSeconds); };
+        return Range{frame(1), frame(120), frame(1), frame(200)};
     }();
     return r;
 }
 
 void reset()
 {
-    const double frame = MTime(1, MTime::uiUnit()).as(MTime::kSeconds);
-    range() = {frame, 120 * frame, frame, 200 * frame};
+    const auto frame = [](double f) { return MTime(f, MTime::uiUnit()).as(MTime::kSeconds); };
+    range() = {frame(1), frame(120), frame(1), frame(200)};
 }
 
 namespace {

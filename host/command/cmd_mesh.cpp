@@ -450,7 +450,7 @@ Value evaluate(Call& call)
     Ints out;
     for (const auto& c : counts)
         if (call.has(c.flag))
-            out.push_back(c.value);
+            out.push_back(c.value), call.keys.push_back(c.flag);
     if (out.size() == 1)
         return Value(out[0]);
     if (!out.empty())
@@ -466,6 +466,8 @@ Value evaluate(Call& call)
         return Value(worldArea);
     if (call.has("boundingBox"))
         return Value(std::vector<double>{box[0], box[3], box[1], box[4], box[2], box[5]});
+    for (const auto& c : counts)
+        call.keys.push_back(c.flag);
     return Value(Ints{vertices, edges, faces, uvs, triangles, shells});
 }
 

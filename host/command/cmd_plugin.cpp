@@ -1,5 +1,6 @@
 // loadPlugin, unloadPlugin, pluginInfo.
 #include "command/cmd_util.h"
+#include "command/message.h"
 #include "command/plugin_loader.h"
 #include "command/user_command.h"
 #include "graph/node.h"
@@ -12,6 +13,20 @@ constexpr uint8_t kAll = kCreate | kQuery | kEdit;
 
 constexpr Flag kLoad[] = {{"qt", "quiet"}, {"n", "name", "s"}, {"a", "allPlugins"}, {"rc", "removeCallback", "s"}, {"ac", "addCallback", "s"}};
 
+/// Nodes whose type has just come (back) stay unknown: their class was not there when they were made.
+void tellOfUnknownNodes(const Plugin& plugin)
+{
+    Strings left;
+    for (const Node* n : scene().nodes())
+        if (!n->unknownType.empty())
+            if (const NodeType* t = findNodeType(n->unknownType); t && t->plugin == plugin.name)
+                left.push_back(nodeName(*n));
+    if (!left.empty())
+        message::warning("The plug-in '" + plugin.name + "' has the types of " + std::to_string(left.size()) + " unknown node" +
+                         (left.size() > 1 ? "s" : "") + " ('" + left[0] + (left.size() > 1 ? "' ...)" : "')") +
+                         ": save the scene and open it again to have them made anew.");
+}
+
 Value loadPlugin(Call& call)
 {
     const Strings names = call.names();
@@ -19,7 +34,11 @@ Value loadPlugin(Call& call)
         fail("loadPlugin: a plug-in has to be given");
     Strings out;
     for (const std::string& name : names)
-        out.push_back(plugins::load(name, call.str("name")).name);
+    {
+        const Plugin& plugin = plugins::load(name, call.str("name"));
+        out.push_back(plugin.name);
+        tellOfUnknownNodes(plugin);
+    }
     return Value(out);
 }
 

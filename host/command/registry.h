@@ -60,6 +60,7 @@ public:
     // What a handler says about its result to languages with more kinds of values than MEL.
     int                rowWidth = 0;    ///< numbers that belong together in a float array: x, y, z
     bool               truth = false;   ///< an int that answers yes or no
+    std::vector<std::string> keys;      ///< what the elements of an array are called
 
     bool isQuery() const { return mode == kQuery; }
     bool isEdit() const { return mode == kEdit; }

@@ -87,7 +87,7 @@ void PointWalk::look()
 
 int PointWalk::total() const
 {
-    return mesh_ ? mesh_->vertexCount() : curve_ ? curve_->cvCount() : surface_ ? int(surface_->cvs->size()) : 0;
+    return mesh_ ? mesh_->vertexCount() : curve_ ? curve_->uniqueCvCount() : surface_ ? int(surface_->cvs->size()) : 0;
 }
 
 MFn::Type PointWalk::componentType() const

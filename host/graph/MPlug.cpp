@@ -1,6 +1,7 @@
 #include <maya/MPlug.h>
 #include <maya/MPlugArray.h>
 
+#include <algorithm>
 #include <atomic>
 #include <climits>
 #include <limits>
@@ -346,10 +347,38 @@ MPlug MPlug::elementByLogicalIndex(unsigned index, MStatus* s) const
     return e ? PlugAccess::make(*e) : MPlug();
 }
 
+namespace {
+
+/// A connected element is in the data block once it was evaluated.
+bool hasValue(Cell& element)
+{
+    bool driven = false, has = false;
+    walkCells(element, [&](Cell& c) {
+        driven = driven || c.source;
+        has = has || c.is(Cell::kSet);
+    });
+    return has || !driven;
+}
+
+/// The element at a place among those in the data block; behind them come the others.
+Cell* inBlock(const Cell& multi, unsigned place)
+{
+    if (place >= multi.elementCount())
+        return nullptr;
+    const auto& cells = multi.elements->cells;
+    for (const bool in : {true, false})
+        for (Cell* e : cells)
+            if (hasValue(*e) == in && place-- == 0)
+                return e;
+    return nullptr;
+}
+
+}  // namespace
+
 MPlug MPlug::elementByPhysicalIndex(unsigned index, MStatus* s) const
 {
     Cell* c = PlugAccess::cell(*this);
-    Cell* e = c && index < c->elementCount() ? c->elements->cells[index] : nullptr;
+    Cell* e = c && c->isMulti() ? inBlock(*c, index) : nullptr;
     tell(s, e);
     return e ? PlugAccess::make(*e) : MPlug();
 }
@@ -426,8 +455,10 @@ unsigned MPlug::getExistingArrayAttributeIndices(MIntArray& indices, MStatus* s)
 unsigned MPlug::numElements(MStatus* s) const
 {
     Cell* c = PlugAccess::cell(*this);
-    tell(s, c && c->isMulti());
-    return c ? unsigned(c->elementCount()) : 0;
+    if (!tell(s, c && c->isMulti()) || !c->elements)
+        return 0;
+    const auto& cells = c->elements->cells;
+    return unsigned(std::count_if(cells.begin(), cells.end(), [](Cell* e) { return hasValue(*e); }));
 }
 
 unsigned MPlug::evaluateNumElements(MStatus* s)

@@ -256,6 +256,7 @@ When enter(const When& when)
     store->seconds = when.seconds;
     g.current = store.get();
     other::active = true;
+    other::quiet = false;
     fill(*store);
     return before;
 }
@@ -282,7 +283,7 @@ void deleteCopies()
 
 namespace other {
 
-bool active = false, walking = false;
+bool active = false, walking = false, quiet = true;
 
 bool any() { return !g.stores.empty() && !g.filling && !g.everywhere; }
 
@@ -331,23 +332,26 @@ void receive(Cell& cell, Cell& source)
     ComputingAccess::readsPrivate();
 }
 
-Computing::Computing(Node& node) : node_(node), outer_(ComputingAccess::innermost), store_(g.current)
+void Computing::begin()
 {
+    begun_ = true;
+    outer_ = ComputingAccess::innermost;
+    store_ = g.current;
     ComputingAccess::innermost = this;
     PrivateStore* store = g.current;
     if (!store) {
         if (g.again.empty())
             return;
-        if (auto calls = g.again.extract(&node); calls && node.user)
+        if (auto calls = g.again.extract(&node_); calls && node_.user)
             for (const MPlug& plug : calls.mapped()) {
                 MPlugArray ignored;   // the flags of the normal values are as they were
-                node.user->setDependentsDirty(plug, ignored);
+                node_.user->setDependentsDirty(plug, ignored);
             }
         return;
     }
     ++store->users;
-    depends_ = store->nodes.count(&node) != 0;
-    for (Cell* top : node.cells)
+    depends_ = store->nodes.count(&node_) != 0;
+    for (Cell* top : node_.cells)
         if (top && !top->parent)
             walkCells(*top, [&](Cell& c) {
                 if (!store->cells.count(&c)) {
@@ -357,7 +361,7 @@ Computing::Computing(Node& node) : node_(node), outer_(ComputingAccess::innermos
             });
 }
 
-Computing::~Computing()
+void Computing::end()
 {
     ComputingAccess::innermost = outer_;
     auto* store = static_cast<PrivateStore*>(store_);

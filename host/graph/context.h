@@ -47,6 +47,7 @@ void  deleteCopies();
 namespace other {
 
 extern bool active;      ///< a private store stands in the cells
+extern bool quiet;       ///< no time but the current one was ever read
 bool any();              ///< there are private stores, in the cells or aside
 
 /// A cell was made in a node.
@@ -61,17 +62,28 @@ void receive(Cell& cell, Cell& source);
 class Computing
 {
 public:
-    explicit Computing(Node& node);
-    ~Computing();
+    explicit Computing(Node& node) : node_(node)
+    {
+        if (!quiet)
+            begin();
+    }
+    ~Computing()
+    {
+        if (begun_)
+            end();
+    }
     Computing(const Computing&) = delete;
     Computing& operator=(const Computing&) = delete;
 
 private:
     friend struct ComputingAccess;
+    void begin();
+    void end();
+
     Node&              node_;
     Computing*         outer_;
     void*              store_;
-    bool               depends_ = false;
+    bool               begun_ = false, depends_ = false;
     std::vector<Cell*> saved_;      // by this compute
 };
 

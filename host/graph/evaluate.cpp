@@ -333,7 +333,7 @@ void take(Cell& cell, Cell& source)
     if (other::active)
         other::receive(cell, source);
     cell.copyFrom(source);
-    cell.flags &= ~(Cell::kDirty | Cell::kChildDirty | Cell::kLeaky);
+    cell.flags = uint16_t((cell.flags & ~(Cell::kDirty | Cell::kChildDirty | Cell::kLeaky)) | Cell::kSet);
     settleChildren(cell);
 }
 
@@ -411,7 +411,7 @@ void pullDeep(Cell& cell)
             if (other::active)
                 other::receive(cell, *source);
             cell.copyFrom(*source);
-            walkCells(cell, [&](Cell& c) { c.set(Cell::kDirty, c.source && &c != &cell); });
+            walkCells(cell, [&](Cell& c) { c.set(Cell::kDirty, c.source && &c != &cell), c.set(Cell::kSet, true); });
         }
     } else if (cell.is(Cell::kDirty)) {
         if (cell.node->isComputed(cell.attr) && !(cell.flags & (Cell::kPrivate | Cell::kRemoved)))

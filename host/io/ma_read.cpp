@@ -397,6 +397,30 @@ void deleteAllNodes()
         }
 }
 
+/// What another scene said of the default nodes. The cameras keep their places, which every file gives.
+void resetDefaultNodes()
+{
+    for (Node* n : scene().nodes()) {
+        if (!n->isDefault)
+            continue;
+        if (!n->unknownText.empty()) {
+            const Ref<Node> keep(n);
+            undo::push([keep, text = n->unknownText] { keep->unknownText = text; }, [keep] { keep->unknownText.clear(); });
+            n->unknownText.clear();
+        }
+        while (!n->dynamics.empty())
+            edit::deleteDynamic(*n, *n->dynamics.back());
+        for (Cell* top : n->cells)
+            if (top && !top->parent && !n->dag && top->attr->is(Attribute::kStorable) && !n->isComputed(top->attr))
+                walkCells(*top, [](Cell& c) {
+                    if (c.is(Cell::kSet) && !c.source && c.store() != Store::kNone && !(c.parent && c.parent->attr->isTuple())) {
+                        edit::change(c, [&] { c.setDefault(); });
+                        c.set(Cell::kSet, false);
+                    }
+                });
+    }
+}
+
 }  // namespace
 
 FileData& fileData()
@@ -448,6 +472,7 @@ void openScene(const std::string& path)
     readInto(path, false, {}, [] {
         forgetFileData();
         deleteAllNodes();
+        resetDefaultNodes();
     });
     scene().fileName = path;
     scene().modified = false;

@@ -228,12 +228,12 @@ private:
             out += " -en " + quoted(fields);
         }
         if (storeDimension(a.store) == 1 && a.defaults[0] != 0)
-            out += " -dv " + doubleText(a.defaults[0]);
+            out += " -dv " + doubleText(command::exactUi(a, a.defaults[0]));   // addAttr reads the user's units
         const struct { uint8_t bit; const char* flag; double value; } limits[] = {
             {Attribute::kMin, " -min ", a.min}, {Attribute::kMax, " -max ", a.max}, {Attribute::kSoftMin, " -smn ", a.softMin}, {Attribute::kSoftMax, " -smx ", a.softMax}};
         for (const auto& l : limits)
             if (a.limits & l.bit)
-                out += l.flag + doubleText(l.value);
+                out += l.flag + doubleText(command::exactUi(a, l.value));
         if (a.is(Attribute::kKeyable))
             out += " -k true";
         if (!a.is(Attribute::kStorable))

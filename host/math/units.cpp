@@ -61,7 +61,9 @@ double MTime::as(Unit unit) const
 {
     if (unit == unit_ || !isUnit(unit, kPerSecond))
         return value_;
-    return value_ * kPerSecond[unit] / kPerSecond[unit_];
+    const double value = value_ * kPerSecond[unit] / kPerSecond[unit_], whole = std::round(value);
+    // whole frames stay whole on the way through seconds: what is off by less than their rounding is meant to be whole
+    return std::abs(value - whole) <= 8e-16 * std::abs(whole) ? whole : value;
 }
 
 MStatus     MTime::setUnit(Unit unit) { return assign(unit, kPerSecond, unit_); }

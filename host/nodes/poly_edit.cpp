@@ -23,15 +23,40 @@ std::vector<int> elements(const Component& c, int count)
     return out;
 }
 
+/// A set of indices below a bound, taken out in order.
+class IndexSet
+{
+public:
+    explicit IndexSet(int bound) : in_(size_t(bound), 0) {}
+    void insert(int i) { in_[size_t(i)] = 1; }
+    template <class It> void insert(It first, It last)
+    {
+        for (; first != last; ++first)
+            insert(*first);
+    }
+    bool             has(int i) const { return in_[size_t(i)]; }
+    std::vector<int> sorted() const
+    {
+        std::vector<int> out;
+        for (size_t i = 0; i < in_.size(); ++i)
+            if (in_[i])
+                out.push_back(int(i));
+        return out;
+    }
+
+private:
+    std::vector<char> in_;
+};
+
 /// Corners that components stand for, each once: of vertices, faces, edges and vertex-faces.
 std::vector<int> corners(const MeshBody& mesh, const ComponentListData* list)
 {
     const Topology& t = mesh.topology();
-    std::set<int>   out;
+    IndexSet        out(t.cornerCount());
     const auto vertex = [&](int v) { out.insert(t.vertexCorners()[v].begin(), t.vertexCorners()[v].end()); };
     if (!list)
         for (int c = 0; c < t.cornerCount(); ++c)
-            out.insert(out.end(), c);
+            out.insert(c);
     for (size_t i = 0; list && i < list->list.size(); ++i)
     {
         const Component& c = *list->list[i];
@@ -59,7 +84,7 @@ std::vector<int> corners(const MeshBody& mesh, const ComponentListData* list)
         default: break;
         }
     }
-    return {out.begin(), out.end()};
+    return out.sorted();
 }
 
 bool wholeVertices(const ComponentListData* list)
@@ -72,24 +97,24 @@ bool wholeVertices(const ComponentListData* list)
 
 std::vector<int> verticesOf(const MeshBody& mesh, const std::vector<int>& cornerList)
 {
-    std::set<int> out;
+    IndexSet out(mesh.vertexCount());
     for (int c : cornerList)
         out.insert(mesh.topology().connects()[size_t(c)]);
-    return {out.begin(), out.end()};
+    return out.sorted();
 }
 
 void soften(MeshBody& mesh, const ComponentListData* list, const PolyParameters& p)
 {
     const Topology& t = mesh.topology();
     const double    limit = p.number[kAngle];
-    std::set<int>   edges;
+    IndexSet        edges(t.edgeCount());
     for (size_t i = 0; list && i < list->list.size(); ++i)
         if (list->list[i]->apiType() == MFn::kMeshEdgeComponent)
             for (int e : elements(*list->list[i], t.edgeCount()))
                 edges.insert(e);
     for (int e = 0; e < t.edgeCount(); ++e)
     {
-        if (list && !edges.count(e))
+        if (list && !edges.has(e))
             continue;
         const auto sides = t.edgeCorners()[e];
         bool smooth = true;

@@ -282,7 +282,7 @@ bool extentOf(Node& node, MFn::Type type, int extent[3])
     }
     if (auto* source = dynamic_cast<CurveSource*>(&node)) {
         const Ref<CurveData> curve = source->curveForRead();
-        extent[0] = curve ? curve->body->cvCount() : 0;
+        extent[0] = curve ? curve->body->uniqueCvCount() : 0;
         return type == MFn::kCurveCVComponent;
     }
     if (auto* source = dynamic_cast<SurfaceSource*>(&node)) {

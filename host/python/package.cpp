@@ -43,6 +43,18 @@ bool takesListWithoutCount(const std::vector<command::Keyword>& keywords)
     return false;
 }
 
+/// The languages' commands know no absent value.
+void refuseNone(PyObject* o, const char* command, const std::string& where)
+{
+    bool none = o == Py_None;
+    if (PyList_Check(o) || PyTuple_Check(o))
+        for (Py_ssize_t i = 0; i < PySequence_Fast_GET_SIZE(o); ++i)
+            none = none || PySequence_Fast_GET_ITEM(o, i) == Py_None;
+    if (none)
+        throw command::Error(std::string(command) + ": " + where + (o == Py_None ? " is None" : " holds None") +
+                             ", which is neither a name nor a value");
+}
+
 PyObject* parsed(command::Call& call, const command::Command& command, PyObject* args, PyObject* kwargs)
 {
     return guarded(PyExc_TypeError, [&]() -> PyObject* {
@@ -51,11 +63,15 @@ PyObject* parsed(command::Call& call, const command::Command& command, PyObject*
         PyObject *key = nullptr, *value = nullptr;
         Py_ssize_t at = 0;
         while (kwargs && PyDict_Next(kwargs, &at, &key, &value))
+        {
+            refuseNone(value, command.name, std::string("the flag '") + PyUnicode_AsUTF8(key) + "'");
             keywords.push_back({PyUnicode_AsUTF8(key), fromPython(value)});
+        }
         const bool counts = std::strcmp(command.name, "setAttr") == 0 && takesListWithoutCount(keywords);
         for (Py_ssize_t i = 0; i < PyTuple_GET_SIZE(args); ++i)
         {
             PyObject* o = PyTuple_GET_ITEM(args, i);
+            refuseNone(o, command.name, "argument " + std::to_string(i + 1));
             if (counts && i == 1 && PyTuple_GET_SIZE(args) == 2 && (PyList_Check(o) || PyTuple_Check(o)))
                 positional.emplace_back(int(PySequence_Size(o)));
             positional.push_back(fromPython(o));
@@ -63,6 +79,19 @@ PyObject* parsed(command::Call& call, const command::Command& command, PyObject*
         call = command::parseKeywords(command, positional, keywords);
         Py_RETURN_NONE;
     });
+}
+
+/// A dictionary where the command gave names to the values, as many as there are.
+PyObject* resultOf(const Value& result, const command::Call& call)
+{
+    Object value(toPython(result, call.rowWidth, call.truth));
+    if (!value || call.keys.empty() || !PyList_Check(value.get()) || size_t(PyList_GET_SIZE(value.get())) != call.keys.size())
+        return value ? Py_NewRef(value.get()) : nullptr;
+    PyObject* named = PyDict_New();
+    for (size_t i = 0; named && i < call.keys.size(); ++i)
+        if (PyDict_SetItemString(named, call.keys[i].c_str(), PyList_GET_ITEM(value.get(), Py_ssize_t(i))) < 0)
+            Py_CLEAR(named);
+    return named;
 }
 
 PyObject* callCommand(PyObject* self, PyObject* args, PyObject* kwargs)
@@ -77,7 +106,7 @@ PyObject* callCommand(PyObject* self, PyObject* args, PyObject* kwargs)
         return nullptr;
     return guarded(PyExc_RuntimeError, [&] {
         const Value result = command::run(call);
-        return PyErr_Occurred() ? nullptr : toPython(result, call.rowWidth, call.truth);
+        return PyErr_Occurred() ? nullptr : resultOf(result, call);
     });
 }
 
