@@ -25,10 +25,10 @@ constexpr Flag kCircleFlags[] = {
 };
 constexpr Flag kSurfaceFlags[] = {
     MIRK_MAKER_FLAGS, {"r", "radius", "l", kAll}, {"s", "sections", "i", kAll}, {"nsp", "spans", "i", kAll}, {"ssw", "startSweep", "a", kAll}, {"esw", "endSweep", "a", kAll},
-    {"hr", "heightRatio", "f", kAll},
+    {"hr", "heightRatio", "f", kAll}, {"msw", "minorSweep", "a", kAll},
 };
 constexpr Flag kPlaneFlags[] = {
-    MIRK_MAKER_FLAGS, {"w", "width", "l", kAll}, {"lr", "lengthRatio", "f", kAll}, {"u", "patchesU", "i", kAll}, {"v", "patchesV", "i", kAll},
+    MIRK_MAKER_FLAGS, {"w", "width", "l", kAll}, {"lr", "lengthRatio", "f", kAll}, {"u", "patchesU", "i", kAll}, {"v", "patchesV", "i", kAll}, {"hr", "heightRatio", "f", kAll},
 };
 #undef MIRK_MAKER_FLAGS
 
@@ -36,7 +36,7 @@ constexpr MakerFlag kAttributes[] = {
     {"radius", "radius"}, {"sections", "sections"}, {"sweep", "sweep"}, {"normal", "normal"}, {"center", "center"}, {"degree", "degree"}, {"tolerance", "tolerance"},
     {"useTolerance", "useTolerance"}, {"spans", "spans"}, {"startSweep", "startSweep"}, {"endSweep", "endSweep"}, {"heightRatio", "heightRatio"}, {"width", "width"},
     {"lengthRatio", "lengthRatio"}, {"patchesU", "patchesU"}, {"patchesV", "patchesV"}, {"axis", "axis"}, {"pivot", "pivot"}, {"first", "first"}, {"fixCenter", "fixCenter"},
-    {"nodeState", "nodeState"},
+    {"nodeState", "nodeState"}, {"minorSweep", "minorSweep"},
 };
 
 struct Row { const char* command; Maker maker; };
@@ -45,7 +45,10 @@ constexpr Row kMakers[] = {
     {"nurbsPlane", {"makeNurbPlane", "nurbsSurface", "nurbsPlane#", "outputSurface", "create", kAttributes}},
     {"sphere", {"makeNurbSphere", "nurbsSurface", "nurbsSphere#", "outputSurface", "create", kAttributes}},
     {"cylinder", {"makeNurbCylinder", "nurbsSurface", "nurbsCylinder#", "outputSurface", "create", kAttributes}},
+    {"cone", {"makeNurbCone", "nurbsSurface", "nurbsCone#", "outputSurface", "create", kAttributes}},
+    {"torus", {"makeNurbTorus", "nurbsSurface", "nurbsTorus#", "outputSurface", "create", kAttributes}},
 };
+constexpr Maker kCube = {"makeNurbCube", "nurbsSurface", "nurbsCube#", "outputSurface", "create", kAttributes};
 
 Value primitive(Call& call)
 {
@@ -54,6 +57,9 @@ Value primitive(Call& call)
             return runMaker(call, r.maker);
     return {};
 }
+
+/// Six surfaces below one transform.
+Value cube(Call& call) { return runMakerOfParts(call, kCube, {"top", "bottom", "left", "right", "front", "back"}); }
 
 constexpr Flag kCurve[] = {
     {"d", "degree", "f"}, {"p", "point", "lll", kCreate, true}, {"pw", "pointWeight", "lllf", kCreate, true}, {"ep", "editPoint", "lll", kCreate, true}, {"k", "knot", "f", kCreate, true},
@@ -177,6 +183,7 @@ Value surface(Call& call)
 
 const Command kCommands[] = {
     {"circle", kCircleFlags, primitive},   {"sphere", kSurfaceFlags, primitive}, {"cylinder", kSurfaceFlags, primitive},
+    {"cone", kSurfaceFlags, primitive},    {"torus", kSurfaceFlags, primitive},  {"nurbsCube", kPlaneFlags, cube},
     {"nurbsPlane", kPlaneFlags, primitive}, {"curve", kCurve, curve},            {"surface", kSurface, surface},
 };
 

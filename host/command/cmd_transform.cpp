@@ -1,4 +1,5 @@
 // xform, move, rotate, scale: of transforms and of points.
+#include <cctype>
 #include <cmath>
 #include <cstring>
 
@@ -633,7 +634,69 @@ Value scale(Call& call)
     return {};
 }
 
+constexpr Flag kLimits[] = {
+    {"tx", "translationX", "ll", kAll}, {"ty", "translationY", "ll", kAll}, {"tz", "translationZ", "ll", kAll},
+    {"rx", "rotationX", "aa", kAll}, {"ry", "rotationY", "aa", kAll}, {"rz", "rotationZ", "aa", kAll},
+    {"sx", "scaleX", "ff", kAll}, {"sy", "scaleY", "ff", kAll}, {"sz", "scaleZ", "ff", kAll},
+    {"etx", "enableTranslationX", "bb", kAll}, {"ety", "enableTranslationY", "bb", kAll}, {"etz", "enableTranslationZ", "bb", kAll},
+    {"erx", "enableRotationX", "bb", kAll}, {"ery", "enableRotationY", "bb", kAll}, {"erz", "enableRotationZ", "bb", kAll},
+    {"esx", "enableScaleX", "bb", kAll}, {"esy", "enableScaleY", "bb", kAll}, {"esz", "enableScaleZ", "bb", kAll}, {"rm", "remove"},
+};
+
+/// The lower or upper limit, or its switch, that a flag means: "translationX" is minTransXLimit, maxTransXLimit.
+Cell& limitCell(Node& t, std::string flag, bool upper)
+{
+    const bool enable = flag.compare(0, 6, "enable") == 0;
+    if (enable)
+        flag.erase(0, 6);
+    const char  first = char(std::tolower(static_cast<unsigned char>(flag[0])));
+    const char* kind = first == 't' ? "Trans" : first == 'r' ? "Rot" : "Scale";
+    const std::string name = std::string(upper ? "max" : "min") + kind + flag.back() + "Limit" + (enable ? "Enable" : "");
+    return *t.cell(t.findAttribute(name));
+}
+
+Value transformLimits(Call& call)
+{
+    const std::vector<Item> items = callItems(call);
+    if (items.empty())
+        fail("transformLimits: no transform is given or selected");
+    if (call.isQuery())
+    {
+        Node& t = transformItem(items[0]);
+        for (const Flag& f : kLimits)
+            if (call.has(f.longName) && std::strcmp(f.longName, "remove") != 0)
+            {
+                double v[2];
+                for (int k = 0; k < 2; ++k)
+                {
+                    Cell& cell = limitCell(t, f.longName, k == 1);
+                    eval::pull(cell);
+                    v[k] = toUi(*cell.attr, cell.number());
+                }
+                if (f.longName[0] == 'e')
+                    return Value(Ints{int(v[0]), int(v[1])});
+                return Value(std::vector<double>{v[0], v[1]});
+            }
+        fail("transformLimits: a flag that says what to ask has to be given");
+    }
+    for (const Item& item : items)
+    {
+        Node& t = transformItem(item);
+        for (const Flag& f : kLimits)
+            for (int k = 0; k < 2 && std::strcmp(f.longName, "remove") != 0; ++k)
+            {
+                Cell& cell = limitCell(t, f.longName, k == 1);
+                if (call.has("remove") && f.longName[0] == 'e' && cell.number() != 0)
+                    edit::setNumber(cell, 0);
+                if (const Call::Use* use = call.use(f.longName))
+                    edit::setNumber(cell, fromUi(*cell.attr, use->args[size_t(k)].asFloat()));
+            }
+    }
+    return {};
+}
+
 const Command kCommands[] = {
+    {"transformLimits", kLimits, transformLimits},
     {"xform", kXform, xform},
     {"move", kMove, move},
     {"rotate", kRotate, rotate},

@@ -77,39 +77,89 @@ Value queryFlag(Call& call, const Maker& maker)
 
 }  // namespace
 
-Value runMaker(Call& call, const Maker& maker)
+namespace {
+
+/// The maker of a command that creates; with its flags' values.
+Node& newMaker(Call& call, const Maker& maker)
 {
-    if (call.isQuery())
-        return queryFlag(call, maker);
-    if (call.isEdit())
-    {
-        setFromFlags(call, maker, makerOf(call, maker));
-        return Value(true);
-    }
     if (!call.args.empty())
         fail(std::string(call.command->name) + ": '" + call.names()[0] + "' is not expected here");
     NodeType* type = findNodeType(maker.nodeType);
     if (!type)
         fail(std::string("Unknown object type: ") + maker.nodeType);
-    const bool history = call.boolean("constructionHistory", true), object = call.boolean("object", true);
     Node* node = edit::createNode(type);
     setFromFlags(call, maker, *node);
-    if (!object)
-        return Value(Strings{nodeName(*node)});
-    Node* transform = dag::createNode(findNodeType("transform"), call.str("name", maker.transformName));
-    Node* shape = dag::createNode(findNodeType(maker.shapeType), shapeName(transform->name), transform);
-    Cell& output = *node->cell(node->findAttribute(maker.output));
+    return *node;
+}
+
+/// A shape fed by an output of the maker; without history it keeps what came and is fed no more.
+void addShape(const Maker& maker, Node& node, const std::string& output, Node& transform, bool history)
+{
+    Node* shape = dag::createNode(findNodeType(maker.shapeType), shapeName(transform.name), &transform);
+    Cell& from = *node.cell(node.findAttribute(output));
     Cell& input = *shape->cell(shape->findAttribute(maker.input));
-    edit::connect(output, input);
-    selection::set({itemOf(*transform)});
+    edit::connect(from, input);
     if (history)
-        return Value(Strings{nodeName(*transform), nodeName(*node)});
+        return;
     eval::pull(input);
     const Ref<Data> data = input.data() ? input.data()->share() : Ref<Data>();
-    edit::disconnect(output, input);
+    edit::disconnect(from, input);
     setGeometry(*shape, data);
-    edit::deleteNode(*node);
-    return Value(Strings{nodeName(*transform)});
+}
+
+Value made(Node& transform, Node& node, bool history)
+{
+    selection::set({itemOf(transform)});
+    if (history)
+        return Value(Strings{nodeName(transform), nodeName(node)});
+    edit::deleteNode(node);
+    return Value(Strings{nodeName(transform)});
+}
+
+/// True if the call only edits or asks; `result` is its answer then.
+bool isNoCreation(Call& call, const Maker& maker, Value& result)
+{
+    if (call.isQuery())
+        return result = queryFlag(call, maker), true;
+    if (!call.isEdit())
+        return false;
+    setFromFlags(call, maker, makerOf(call, maker));
+    return result = Value(true), true;
+}
+
+}  // namespace
+
+Value runMaker(Call& call, const Maker& maker)
+{
+    Value result;
+    if (isNoCreation(call, maker, result))
+        return result;
+    Node& node = newMaker(call, maker);
+    if (!call.boolean("object", true))
+        return Value(Strings{nodeName(node)});
+    const bool history = call.boolean("constructionHistory", true);
+    Node*      transform = dag::createNode(findNodeType("transform"), call.str("name", maker.transformName));
+    addShape(maker, node, maker.output, *transform, history);
+    return made(*transform, node, history);
+}
+
+Value runMakerOfParts(Call& call, const Maker& maker, std::initializer_list<const char*> parts)
+{
+    Value result;
+    if (isNoCreation(call, maker, result))
+        return result;
+    Node& node = newMaker(call, maker);
+    if (!call.boolean("object", true))
+        return Value(Strings{nodeName(node)});
+    const bool history = call.boolean("constructionHistory", true);
+    Node*      whole = dag::createNode(findNodeType("transform"), call.str("name", maker.transformName));
+    int        number = 0;
+    for (const char* part : parts) {
+        Node* transform = dag::createNode(findNodeType("transform"), part + whole->name, whole);
+        addShape(maker, node, maker.output + (number ? std::to_string(number) : std::string()), *transform, history);
+        ++number;
+    }
+    return made(*whole, node, history);
 }
 
 }  // namespace mirk::command

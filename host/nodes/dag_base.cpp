@@ -15,6 +15,7 @@
 #include "nodes/builtin.h"
 #include "nodes/dag_attrs.h"
 #include "nodes/shape_box.h"
+#include "nodes/transform_limits.h"
 
 namespace mirk::nodes {
 namespace {
@@ -127,6 +128,11 @@ MStatus initTransform()
     affects({t, r, order, s, sh, rp, rpt, sp, spt, ra},
             {local, xform, dagAttribute(g.inverseMatrix), world, dagAttribute(g.worldInverseMatrix), dagAttribute(g.boundingBox), dagAttribute(g.center)});
     affects({inherits}, {world, dagAttribute(g.worldInverseMatrix)});
+    addLimitAttributes({local, xform, dagAttribute(g.inverseMatrix), world, dagAttribute(g.worldInverseMatrix), dagAttribute(g.boundingBox), dagAttribute(g.center)});
+    add({tuple("rotateQuaternion", "rq",
+               {number("rotateQuatX", "rqx", Number::kDouble), number("rotateQuatY", "rqy", Number::kDouble),
+                number("rotateQuatZ", "rqz", Number::kDouble), number("rotateQuatW", "rqw", Number::kDouble, 1)},
+               kHide)});
     return MS::kSuccess;
 }
 
@@ -159,15 +165,19 @@ MTransformationMatrix pieces(Node& node)
     MTransformationMatrix m;
     double                v[3];
     pulledTriple(node, g.scale, v);
+    limit(node, Limited::scale, v);
     m.setScale(v, MSpace::kTransform);
     pulledTriple(node, g.shear, v);
     m.setShear(v, MSpace::kTransform);
     pulledTriple(node, g.rotate, v);
+    limit(node, Limited::rotate, v);
     const int order = std::clamp(int(pulledNumber(node, g.rotateOrder)), 0, 5);
     m.setRotation(v, MTransformationMatrix::RotationOrder(order + 1));
     pulledTriple(node, g.rotateAxis, v);
     m.setRotationOrientation(MEulerRotation(v[0], v[1], v[2]).asQuaternion());
-    m.setTranslation(pulledVector(node, g.translate), MSpace::kTransform);
+    pulledTriple(node, g.translate, v);
+    limit(node, Limited::translate, v);
+    m.setTranslation(MVector(v[0], v[1], v[2]), MSpace::kTransform);
     m.setRotatePivot(pulledVector(node, g.rotatePivot), MSpace::kTransform, false);
     m.setRotatePivotTranslation(pulledVector(node, g.rotatePivotTranslate), MSpace::kTransform);
     m.setScalePivot(pulledVector(node, g.scalePivot), MSpace::kTransform, false);
@@ -401,6 +411,7 @@ void findTransformAttrs(const NodeType& t)
     g.rotateAxis = t.find("rotateAxis");
     g.inheritsTransform = t.find("inheritsTransform");
     g.xformMatrix = t.find("xformMatrix");
+    findLimitAttributes(t);
 }
 
 }  // namespace

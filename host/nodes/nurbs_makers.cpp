@@ -143,8 +143,10 @@ private:
     static inline MObject pivot, axis, width, ratio, degree, patchesU, patchesV, out;
 };
 
-/// Sphere and cylinder differ in their defaults and in what they call.
-template <bool Sphere>
+enum class Round { sphere, cylinder, cone, torus };
+
+/// These differ in their defaults and in what they call; the torus has a sweep of its section as well.
+template <Round Kind>
 class MakeRevolved final : public Maker
 {
 public:
@@ -154,9 +156,14 @@ public:
         out = typed("outputSurface", "os", MFnData::kNurbsSurface, kOut);
         declare({pivot = point("pivot", "p"), axis = direction("axis", "ax", 1, 0, 0), start = unit("startSweep", "ssw", Unit::kAngle, 0, kKey),
                  end = unit("endSweep", "esw", Unit::kAngle, kTurn, kKey), radius = unit("radius", "r", Unit::kDistance, 1, kKey), degree = degreeOf(),
-                 sections = nodes::number("sections", "s", Number::kInt, 8, 1, 0, kKey), spans = nodes::number("spans", "nsp", Number::kInt, Sphere ? 4 : 1, 1, 0, kKey),
-                 ratio = nodes::number("heightRatio", "hr", Number::kDouble, 2, kKey)},
+                 sections = nodes::number("sections", "s", Number::kInt, 8, 1, 0, kKey), spans = nodes::number("spans", "nsp", Number::kInt, kLong ? 1 : 4, 1, 0, kKey),
+                 ratio = nodes::number("heightRatio", "hr", Number::kDouble, Kind == Round::torus ? 0.5 : 2, kKey)},
                 out);
+        if (Kind == Round::torus) {
+            minor = unit("minorSweep", "msw", Unit::kAngle, kTurn, kKey);
+            add({minor});
+            affects({minor}, {out});
+        }
         return MS::kSuccess;
     }
     MStatus compute(const MPlug& plug, MDataBlock& b) override
@@ -166,13 +173,58 @@ public:
         const nurbs::Placement at{vector(b, pivot), vector(b, axis)};
         const double           from = number(b, start), sweep = number(b, end) - from;
         std::string            why;
-        const auto surface = Sphere ? nurbs::sphere(at, number(b, radius), from, sweep, integer(b, degree), integer(b, sections), integer(b, spans), why)
-                                    : nurbs::cylinder(at, number(b, radius), number(b, ratio), sweep, integer(b, degree), integer(b, sections), integer(b, spans), why);
+        const double           r = number(b, radius), h = number(b, ratio);
+        const int              d = integer(b, degree), around = integer(b, sections), along = integer(b, spans);
+        Ref<SurfaceBody>       surface;
+        switch (Kind) {
+        case Round::sphere: surface = nurbs::sphere(at, r, from, sweep, d, around, along, why); break;
+        case Round::cylinder: surface = nurbs::cylinder(at, r, h, sweep, d, around, along, why); break;
+        case Round::cone: surface = nurbs::cone(at, r, h, sweep, d, around, along, why); break;
+        case Round::torus: surface = nurbs::torus(at, r, h, sweep, number(b, minor), d, around, along, why); break;
+        }
         return give<SurfaceData>(b, out, surface, why);
     }
 
 private:
-    static inline MObject pivot, axis, start, end, radius, degree, sections, spans, ratio, out;
+    static constexpr bool kLong = Kind == Round::cylinder || Kind == Round::cone;
+    static inline MObject pivot, axis, start, end, radius, degree, sections, spans, ratio, minor, out;
+};
+
+/// Six planes, outward: top, bottom, left, right, front, back for an axis that points up.
+class MakeCube final : public Maker
+{
+public:
+    static void*   creator() { return new MakeCube; }
+    static MStatus initialize()
+    {
+        const std::initializer_list<MObject> inputs = {
+            pivot = point("pivot", "p"), axis = direction("axis", "ax", 1, 0, 0), width = unit("width", "w", Unit::kDistance, 1, kKey),
+            length = nodes::number("lengthRatio", "lr", Number::kDouble, 1, kKey), height = nodes::number("heightRatio", "hr", Number::kDouble, 1, kKey),
+            degree = degreeOf(), patchesU = nodes::number("patchesU", "u", Number::kInt, 1, 1, 0, kKey),
+            patchesV = nodes::number("patchesV", "v", Number::kInt, 1, 1, 0, kKey)};
+        add(inputs);
+        for (int i = 0; i < 6; ++i) {
+            const std::string number = i ? std::to_string(i) : "";
+            out[i] = typed(("outputSurface" + number).c_str(), ("os" + number).c_str(), MFnData::kNurbsSurface, kOut);
+            add({out[i]});
+            affects(inputs, {out[i]});
+        }
+        return MS::kSuccess;
+    }
+    MStatus compute(const MPlug& plug, MDataBlock& b) override
+    {
+        for (int i = 0; i < 6; ++i)
+            if (plug == out[i]) {
+                std::string why;
+                const auto  side = nurbs::boxSide({vector(b, pivot), vector(b, axis)}, number(b, width), number(b, length), number(b, height), integer(b, degree),
+                                                  integer(b, patchesU), integer(b, patchesV), i, why);
+                return give<SurfaceData>(b, out[i], side, why);
+            }
+        return MS::kUnknownParameter;
+    }
+
+private:
+    static inline MObject pivot, axis, width, length, height, degree, patchesU, patchesV, out[6];
 };
 
 class RebuildCurve final : public Maker
@@ -349,8 +401,11 @@ void registerNurbsMakers()
         {"abstractBaseCreate", "node", 0, MFn::kCreate, nullptr, nullptr},
         {"makeNurbCircle", "abstractBaseCreate", 0x4E435243, MFn::kCircle, MakeCircle::creator, MakeCircle::initialize},
         {"makeNurbPlane", "abstractBaseCreate", 0x4E504C4E, MFn::kNurbsPlane, MakePlane::creator, MakePlane::initialize},
-        {"makeNurbSphere", "abstractBaseCreate", 0x4E535048, MFn::kSphere, MakeRevolved<true>::creator, MakeRevolved<true>::initialize},
-        {"makeNurbCylinder", "abstractBaseCreate", 0x4E43594C, MFn::kCylinder, MakeRevolved<false>::creator, MakeRevolved<false>::initialize},
+        {"makeNurbSphere", "abstractBaseCreate", 0x4E535048, MFn::kSphere, MakeRevolved<Round::sphere>::creator, MakeRevolved<Round::sphere>::initialize},
+        {"makeNurbCylinder", "abstractBaseCreate", 0x4E43594C, MFn::kCylinder, MakeRevolved<Round::cylinder>::creator, MakeRevolved<Round::cylinder>::initialize},
+        {"makeNurbCone", "abstractBaseCreate", 0x4E434F4E, MFn::kCone, MakeRevolved<Round::cone>::creator, MakeRevolved<Round::cone>::initialize},
+        {"makeNurbTorus", "abstractBaseCreate", 0x4E544F52, MFn::kTorus, MakeRevolved<Round::torus>::creator, MakeRevolved<Round::torus>::initialize},
+        {"makeNurbCube", "abstractBaseCreate", 0x4E435542, MFn::kNurbsCube, MakeCube::creator, MakeCube::initialize},
         {"rebuildCurve", "abstractBaseCreate", 0x4E524243, MFn::kRebuildCurve, RebuildCurve::creator, RebuildCurve::initialize},
         {"extrude", "abstractBaseCreate", 0x4E455854, MFn::kExtrude, Extrude::creator, Extrude::initialize},
         {"nurbsTessellate", "abstractBaseCreate", 0x4E544553, MFn::kNurbsTesselate, Tessellate::creator, Tessellate::initialize},

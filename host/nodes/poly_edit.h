@@ -46,5 +46,7 @@ const PolyEdit& setEdit();
 
 /// Registers the history nodes; once, after the built-in types.
 void registerPolyEdits();
+/// transformGeometry and polyTweak, of which registerPolyEdits takes care.
+void registerGeometryEdits();
 
 }  // namespace mirk::nodes

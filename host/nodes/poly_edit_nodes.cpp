@@ -86,6 +86,7 @@ void registerPolyEdits()
     registerOne<normalEdit>();
     registerOne<uvEdit>();
     registerOne<setEdit>();
+    registerGeometryEdits();
 }
 
 }  // namespace mirk::nodes

@@ -17,6 +17,7 @@
 #include "nodes/builtin.h"
 #include "nodes/dag_attrs.h"
 #include "nodes/geometry_shape.h"
+#include "nodes/nurbs_info.h"
 #include "nodes/shape_box.h"
 #include "nurbs/curve.h"
 #include "nurbs/nurbs_data.h"
@@ -109,7 +110,7 @@ Node* makeShape(NodeType* type, std::string name) { return new Shape(type, std::
 bool computeGeometry(Node& node, Cell& cell)
 {
     auto* shape = dynamic_cast<GeometryShape*>(&node);
-    return (shape && shape->compute(cell)) || computeDag(node, cell);
+    return (shape && (shape->compute(cell) || computeNurbsInfo(*shape, cell))) || computeDag(node, cell);
 }
 
 bool computeLocator(Node& node, Cell& cell)
@@ -189,6 +190,7 @@ MStatus initCurve()
     add({in, stored, out, world, points, number("dispCV", "dcv", Number::kBoolean), number("dispEP", "dep", Number::kBoolean),
          number("dispHull", "dh", Number::kBoolean), number("lineWidth", "lw", Number::kFloat, -1),
          number("dispCurveEndPoints", "dcep", Number::kBoolean)});
+    addCurveInfo({in, stored, points});
     connectGeometry(in, stored, points, out, world);
     return MS::kSuccess;
 }
@@ -203,6 +205,7 @@ MStatus initSurface()
          number("dispCV", "dcv", Number::kBoolean), number("dispHull", "dh", Number::kBoolean),
          number("castsShadows", "csh", Number::kBoolean, 1), number("receiveShadows", "rcsh", Number::kBoolean, 1),
          number("primaryVisibility", "vis", Number::kBoolean, 1)});
+    addSurfaceInfo({in, stored, points});
     connectGeometry(in, stored, points, out, world);
     return MS::kSuccess;
 }
@@ -221,6 +224,8 @@ MStatus initCamera()
          number("overscan", "ovr", Number::kDouble, 1), triple("tumblePivot", "tp", Unit::kDistance),
          triple("backgroundColor", "col", Number::kFloat, 0, kColor, "RGB"), typed("imageName", "imn", MFnData::kString),
          typed("depthName", "den", MFnData::kString), typed("maskName", "man", MFnData::kString), typed("homeCommand", "hc", MFnData::kString),
+         tuple("filmTranslate", "ct", {number("filmTranslateH", "fth", Number::kDouble, 0, kKey), number("filmTranslateV", "ftv", Number::kDouble, 0, kKey)}),
+         number("preScale", "psc", Number::kDouble, 1, kKey), number("postScale", "ptsc", Number::kDouble, 1, kKey),
          number("displayFilmGate", "dfg", Number::kBoolean), number("displayResolution", "dr", Number::kBoolean)});
     return MS::kSuccess;
 }

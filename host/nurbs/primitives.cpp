@@ -255,6 +255,32 @@ Ref<SurfaceBody> plane(const Placement& at, double width, double lengthRatio, in
     return why.empty() ? body : Ref<SurfaceBody>();
 }
 
+Ref<SurfaceBody> boxSide(const Placement& at, double width, double lengthRatio, double heightRatio, int degree, int patchesU, int patchesV,
+                         int side, std::string& why)
+{
+    why.clear();
+    if (!checkSize(width, "width", why) || !checkSize(lengthRatio, "length ratio", why) || !checkSize(heightRatio, "height ratio", why))
+        return {};
+    const Axes    axes = axesOf(at.axis);
+    const MVector x = axes.x * width, y = axes.y * (width * heightRatio), z = axes.z * (width * lengthRatio);
+    // the way out, and what the plane's x and z become: their cross product points inward as that of x and z does
+    const struct { MVector out, x, z; } sides[] = {{y, x, z}, {-y, x, -z}, {-x, -z, y}, {x, z, y}, {z, x, -y}, {-z, -x, -y}};
+    if (side < 0 || side > 5) {
+        why = "a box has no side " + std::to_string(side);
+        return {};
+    }
+    const auto&      s = sides[side];
+    Ref<SurfaceBody> body = plane({}, 1, 1, degree, patchesU, patchesV, why);
+    if (!body)
+        return {};
+    const Axes unit = axesOf(MVector(0, 1, 0));
+    for (MPoint& p : detach(body->cvs)) {
+        const MVector at0(p), q = at.center + s.out * 0.5 + s.x * (at0 * unit.x) + s.z * (at0 * unit.z);
+        p = MPoint(q.x, q.y, q.z, 1);
+    }
+    return body;
+}
+
 Ref<SurfaceBody> sphere(const Placement& at, double radius, double startAngle, double sweep, int degree, int sections,
                         int spanCount, std::string& why)
 {

@@ -30,6 +30,9 @@ Ref<SurfaceBody> revolve(const CurveBody& profile, const MVector& pivot, const M
 
 Ref<SurfaceBody> plane(const Placement& at, double width, double lengthRatio, int degree, int patchesU, int patchesV,
                        std::string& why);
+/// One side of a box, outward: top, bottom, left, right, front, back as the axis points up. Ratios to the width.
+Ref<SurfaceBody> boxSide(const Placement& at, double width, double lengthRatio, double heightRatio, int degree, int patchesU, int patchesV,
+                         int side, std::string& why);
 Ref<SurfaceBody> sphere(const Placement& at, double radius, double startAngle, double sweep, int degree, int sections,
                         int spans, std::string& why);
 Ref<SurfaceBody> cylinder(const Placement& at, double radius, double heightRatio, double sweep, int degree, int sections,

@@ -135,7 +135,7 @@ TEST_F(BrokenInput, PythonRaisesWithTheSameWords)
         {"mc.connectAttr('b.tx', 'a.tx')", "a.translateX"},
         {"mc.loadPlugin('zork')", "zork"},
         {"mc.zork()", "zork"},
-        {"mc.setAttr(None, 1)", "No object"},
+        {"mc.setAttr(None, 1)", "None"},
         {"mc.polyCube(sx='zork')", "'sx'"},
         {"mc.curve(d=3, p=[(0, 0, 0), (1, 2)])", "'p'"},
         {"import maya.mel as mel; mel.eval('setAttr zork.tx 1')", "zork.tx"},
