@@ -10,7 +10,7 @@ struct RunOptions
     std::vector<std::string> files;
     std::string              text, frames, exportFile, renderFile, saveFile, camera;
     int                      width = 1280, height = 720;
-    bool                     wire = false, interactive = false;
+    bool                     wire = false, noLocators = false, interactive = false;
 };
 
 int run(const RunOptions& options);

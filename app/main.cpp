@@ -75,6 +75,7 @@ int main(int argc, char** argv)
     run->add_option("--width", options.width, "Of the picture, in pixels")->check(CLI::Range(1, 16384));
     run->add_option("--height", options.height, "Of the picture, in pixels")->check(CLI::Range(1, 16384));
     run->add_flag("--wire", options.wire, "Draw edges over the shading");
+    run->add_flag("--no-locators", options.noLocators, "Leave locators out of the picture");
     run->add_flag("--interactive", options.interactive, "Report interactive mode");
 
     bool allowShell = false;

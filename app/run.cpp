@@ -84,6 +84,7 @@ void render(const RunOptions& o, const std::string& path)
     if (item.path.nodes.empty() || !mirk::view::cameraOf(item.path, o.width, o.height, options.camera, options.cameraPath))
         throw Error("'" + name + "' is no camera");
     options.wireOnShaded = o.wire;
+    options.locators = !o.noLocators;
     options.selection = false;
     mirk::view::renderer().writeImage(path, mirk::view::renderScene(options));
 }

@@ -8,7 +8,7 @@ namespace {
 UndoHooks* g_hooks = nullptr;
 }
 
-void setUndoHooks(UndoHooks* hooks) { g_hooks = hooks; }
+UndoHooks* setUndoHooks(UndoHooks* hooks) { return std::exchange(g_hooks, hooks); }
 
 UndoScope::UndoScope(const char* name) : hooks_(g_hooks)
 {

@@ -14,7 +14,8 @@ public:
 };
 
 /// Set once at start-up; null switches undo off. The object must outlive all commands.
-void setUndoHooks(UndoHooks* hooks);
+/// Gives those before.
+UndoHooks* setUndoHooks(UndoHooks* hooks);
 
 /// One scope of the undo queue. Rolls back at its end unless it was committed.
 class UndoScope

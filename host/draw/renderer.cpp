@@ -303,12 +303,17 @@ void GlRenderer::drawAll(const Frame& frame, const Target& target)
     drawBackground(camera);
     items_->begin(camera, frame.scale);
     drawLayer(frame, *items_, Layer::kOpaque);
-    for (const view::Callback& callback : frame.request.list->callbacks)
-        if (callback.draw)
-            runCallback(callback, camera, target);
-    setDefaults();
-    items_->begin(camera, frame.scale);
+    const auto runCallbacks = [&](view::Callback::Order order) {
+        for (const view::Callback& callback : frame.request.list->callbacks)
+            if (callback.draw && callback.order == order)
+                runCallback(callback, camera, target);
+        setDefaults();
+        items_->begin(camera, frame.scale);
+    };
+    runCallbacks(view::Callback::Order::kOpaque);
     drawLayer(frame, *items_, Layer::kTransparent);
+    runCallbacks(view::Callback::Order::kTransparent);
+    runCallbacks(view::Callback::Order::kLast);
     drawLayer(frame, *items_, Layer::kXray);
     drawLayer(frame, *items_, Layer::kScreen);
 }

@@ -226,6 +226,7 @@ MStatus initCamera()
          triple("backgroundColor", "col", Number::kFloat, 0, kColor, "RGB"), typed("imageName", "imn", MFnData::kString),
          typed("depthName", "den", MFnData::kString), typed("maskName", "man", MFnData::kString), typed("homeCommand", "hc", MFnData::kString),
          tuple("filmTranslate", "ct", {number("filmTranslateH", "fth", Number::kDouble, 0, kKey), number("filmTranslateV", "ftv", Number::kDouble, 0, kKey)}),
+         number("locatorScale", "lls", Number::kDouble, 1, 0.001, 0),
          number("preScale", "psc", Number::kDouble, 1, kKey), number("postScale", "ptsc", Number::kDouble, 1, kKey),
          number("displayFilmGate", "dfg", Number::kBoolean), number("displayResolution", "dr", Number::kBoolean)});
     return MS::kSuccess;

@@ -85,11 +85,14 @@ struct Camera
 };
 
 /// Code that draws with OpenGL by itself. It runs with a context current that knows the fixed pipeline, the item's
-/// matrix times the camera's loaded, after what is opaque and before what is transparent.
+/// matrix times the camera's loaded: after what is opaque, after what is transparent, or last.
 struct Callback
 {
+    enum class Order : uint8_t { kOpaque, kTransparent, kLast };
+
     std::function<void(const Camera&)> draw;
     Matrix                             matrix = kIdentity;
+    Order                              order = Order::kOpaque;
 };
 
 struct DrawList

@@ -28,7 +28,7 @@ void DrawnObject::draw(const MDagPath& object, const MDagPath& camera, const Fra
                                       const InCallback inside(own);
                                       callback(MHWRender::MDrawContext(own), held.get());
                                   },
-                                  own.world});
+                                  own.world, override_->isTransparent() ? Callback::Order::kTransparent : Callback::Order::kOpaque});
 }
 
 }  // namespace mirk::view

@@ -6,6 +6,8 @@
 
 #include <maya/MDagPath.h>
 #include <maya/MHWGeometryUtilities.h>
+#include <maya/MPxEmitterNode.h>
+#include <maya/MPxFieldNode.h>
 #include <maya/MPxLocatorNode.h>
 
 #include "dag/path_access.h"
@@ -70,21 +72,37 @@ Matrix worldMatrix(const Path& path)
     return out;
 }
 
-/// A locator that draws itself with OpenGL and has no override.
-void addLegacyLocator(const Path& path, const FrameData& frame, DrawList& list)
+/// An object that draws itself with OpenGL and has no override.
+template <class User>
+void addSelfDrawn(User& user, const Path& path, const FrameData& frame, Callback::Order order, DrawList& list)
 {
-    auto* locator = dynamic_cast<MPxLocatorNode*>(path.node()->user.get());
-    if (!locator)
-        return;
     FrameData own = frame;
     own.world = worldMatrix(path);
-    list.callbacks.push_back({[locator, path, own](const Camera&) {
+    list.callbacks.push_back({[&user, path, own](const Camera&) {
                                   const InCallback inside(own);
                                   M3dView view = M3dView::active3dView();
-                                  locator->draw(view, PathAccess::wrap(path), view.displayStyle(),
-                                                M3dView::DisplayStatus(displayStatus(path)));
+                                  user.draw(view, PathAccess::wrap(path), view.displayStyle(),
+                                            M3dView::DisplayStatus(displayStatus(path)));
                               },
-                              own.world});
+                              own.world, order});
+}
+
+/// A locator that says so is drawn after what is transparent, and of those again some last.
+Callback::Order orderOf(const MPxLocatorNode& locator)
+{
+    return !locator.isTransparent() ? Callback::Order::kOpaque : locator.drawLast() ? Callback::Order::kLast : Callback::Order::kTransparent;
+}
+
+Bitmap iconOf(MPxFieldNode& field)
+{
+    Bitmap icon;
+    constexpr unsigned kLargest = 512;
+    if (field.iconSizeAndOrigin(icon.width, icon.height, icon.x, icon.y) != MS::kSuccess || icon.width > kLargest || icon.height > kLargest)
+        icon.width = icon.height = 0;
+    icon.bits.resize(size_t((icon.width + 7) / 8) * icon.height);
+    if (!icon.bits.empty() && field.iconBitmap(icon.bits.data()) != MS::kSuccess)
+        icon.height = 0;
+    return icon;
 }
 
 class Collector
@@ -107,7 +125,9 @@ public:
         dag::descend(Path(), [&](const Path& path) {
             if (!showsItself(*path.node()))
                 return false;
-            if (path.node()->type->shape)
+            Node& node = *path.node();
+            if (node.type->shape || node.hasFn(MFn::kJoint) || dynamic_cast<MPxFieldNode*>(node.user.get()) ||
+                dynamic_cast<MPxEmitterNode*>(node.user.get()))
                 shapes.push_back(path);
             return true;
         });
@@ -119,15 +139,45 @@ public:
     }
 
 private:
+    /// Locators that the view does not show, and the camera that is looked through.
+    bool isLeftOut(Node& node) const
+    {
+        if (node.apiType() == MFn::kCamera)
+            return options_.cameraPath.valid() && options_.cameraPath.node() == &node;
+        if (options_.locators)
+            return false;
+        const auto* locator = dynamic_cast<MPxLocatorNode*>(node.user.get());
+        return locator ? locator->excludeAsLocator() : node.apiType() == MFn::kLocator;
+    }
+
     void add(const Path& path)
     {
+        if (isLeftOut(*path.node()))
+            return;
         out_.objects.push_back(path);
         const auto id = static_cast<uint32_t>(out_.objects.size());
         if (DrawnObject* drawn = overrideFor(path))
             drawn->draw(PathAccess::wrap(path), frame_.cameraPath ? *frame_.cameraPath : MDagPath(), frame_, id, out_.list);
-        else if (!addShapeItems(*path.node(), worldMatrix(path), look(path, id), out_.list) &&
-                 path.node()->apiType() == MFn::kPluginLocatorNode)
-            addLegacyLocator(path, frame_, out_.list);
+        else
+            addPlain(path, look(path, id));
+    }
+
+    /// What has no override.
+    void addPlain(const Path& path, const Look& look)
+    {
+        Node& node = *path.node();
+        if (node.hasFn(MFn::kJoint))
+            addJoint(path, look, out_.list);
+        else if (addShapeItems(node, worldMatrix(path), look, out_.list))
+            return;
+        else if (auto* locator = dynamic_cast<MPxLocatorNode*>(node.user.get()))
+            addSelfDrawn(*locator, path, frame_, orderOf(*locator), out_.list);
+        else if (auto* emitter = dynamic_cast<MPxEmitterNode*>(node.user.get()))
+            addSelfDrawn(*emitter, path, frame_, Callback::Order::kOpaque, out_.list);
+        else if (auto* field = dynamic_cast<MPxFieldNode*>(node.user.get())) {
+            addIcon(iconOf(*field), worldMatrix(path), look, out_.list);
+            addSelfDrawn(*field, path, frame_, Callback::Order::kOpaque, out_.list);
+        }
     }
 
     Look look(const Path& path, uint32_t id) const

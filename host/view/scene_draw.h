@@ -16,6 +16,7 @@ struct SceneDrawOptions
     unsigned displayStyle = MHWRender::MFrameContext::kGouraudShaded;
     bool     wireOnShaded = false;
     bool     grid = true;
+    bool     locators = true;    ///< locators are shown, and what is drawn like them
     bool     selection = true;   ///< selected objects show their status colour
     int      samples = 4;
 };
@@ -26,7 +27,8 @@ struct SceneDraw
     std::vector<Path> objects;   ///< the object with pick id i stands at i - 1
 };
 
-/// All visible objects, evaluated as far as drawing needs: meshes, curves, surfaces, locators, and whatever has a draw
+/// All visible objects, evaluated as far as drawing needs: meshes, curves, surfaces, locators, joints, cameras
+/// but the one that is looked through, fields, emitters, and whatever has a draw
 /// override or draws itself. The result must be drawn before the scene changes and before the next call.
 SceneDraw collectScene(const SceneDrawOptions& options);
 

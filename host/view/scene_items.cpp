@@ -1,6 +1,7 @@
 #include "view/scene_items.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include <maya/MColorArray.h>
 #include <maya/MFloatPointArray.h>
@@ -9,6 +10,7 @@
 #include <maya/MFnNurbsCurve.h>
 #include <maya/MFnNurbsSurface.h>
 #include <maya/MIntArray.h>
+#include <maya/MVector.h>
 
 #include "data/mobject.h"
 #include "dynamics/particle.h"
@@ -229,7 +231,116 @@ void addParticles(Node& shape, const Matrix& matrix, const Look& look, DrawList&
     place(std::move(item), matrix, list);
 }
 
+/// A box behind the eye, and the frame that the lens sees at a small distance before it.
+void addCamera(Node& shape, const Matrix& matrix, const Look& look, DrawList& list)
+{
+    const double size = attributeValue(shape, "locatorScale", 1), focal = attributeValue(shape, "focalLength", 35) / 25.4;
+    const bool   parallel = attributeValue(shape, "orthographic") != 0;
+    const double wide = attributeValue(shape, "horizontalFilmAperture", 1.417), high = attributeValue(shape, "verticalFilmAperture", 0.945);
+    const double x = (parallel ? 0.5 : 0.5 * wide / std::max(focal, 1e-3)) * size, y = x * (wide > 0 ? high / wide : 1), z = -size;
+    const double eyeX = parallel ? x : 0, eyeY = parallel ? y : 0, b = 0.3 * size;
+    std::vector<float> p;
+    const auto line = [&](double ax, double ay, double az, double bx, double by, double bz) {
+        for (double v : {ax, ay, az, bx, by, bz})
+            p.push_back(float(v));
+    };
+    for (const auto& [i, j] : {std::pair{-1, -1}, {1, -1}, {1, 1}, {-1, 1}}) {
+        line(i * eyeX, j * eyeY, 0, i * x, j * y, z);
+        line(i * x, j * y, z, -j * x, i * y, z);                  // on to the next corner
+        line(i * b, j * b, 0, -j * b, i * b, 0);
+        line(i * b, j * b, 2 * b, -j * b, i * b, 2 * b);
+        line(i * b, j * b, 0, i * b, j * b, 2 * b);
+    }
+    Item item;
+    item.primitive = Primitive::kLines;
+    item.state.color = look.wireColor;
+    item.state.id = look.id;
+    item.positions = std::move(p);
+    place(std::move(item), matrix, list);
+}
+
+MVector originOf(const Path& path)
+{
+    double m[4][4];
+    dag::inclusiveMatrix(path, m);
+    return {m[3][0], m[3][1], m[3][2]};
+}
+
+void addLine(std::vector<float>& to, const MVector& a, const MVector& b)
+{
+    for (const MVector& p : {a, b})
+        to.insert(to.end(), {float(p.x), float(p.y), float(p.z)});
+}
+
+/// Three circles about a point.
+void addBall(std::vector<float>& to, const MVector& at, double radius)
+{
+    constexpr int kSteps = 24;
+    for (unsigned axis = 0; axis < 3; ++axis) {
+        MVector before;
+        for (int i = 0; i <= kSteps; ++i) {
+            MVector p = at;
+            p[(axis + 1) % 3] += radius * std::cos(2 * M_PI * i / kSteps);
+            p[(axis + 2) % 3] += radius * std::sin(2 * M_PI * i / kSteps);
+            if (i)
+                addLine(to, before, p);
+            before = p;
+        }
+    }
+}
+
+/// A pyramid on a square about the ball, its tip at the next joint.
+void addBone(std::vector<float>& to, const MVector& from, const MVector& tip, double radius)
+{
+    const MVector along = tip - from;
+    if (!(along.length() > radius))
+        return;
+    const MVector way = along.normal(), side = (std::abs(way.y) < 0.9 ? way ^ MVector(0, 1, 0) : way ^ MVector(1, 0, 0)).normal(), up = side ^ way;
+    const MVector base = from + way * radius, corners[] = {side, up, -side, -up};
+    for (int i = 0; i < 4; ++i) {
+        const MVector corner = base + corners[i] * radius;
+        addLine(to, corner, base + corners[(i + 1) % 4] * radius);
+        addLine(to, corner, tip);
+    }
+}
+
 }  // namespace
+
+void addJoint(const Path& joint, const Look& look, DrawList& list)
+{
+    Node& node = *joint.node();
+    if (attributeValue(node, "drawStyle") == 2)   // none
+        return;
+    const double radius = 0.5 * attributeValue(node, "radius", 1);
+    Item         item;
+    item.primitive = Primitive::kLines;
+    item.state.color = look.wireColor;
+    item.state.id = look.id;
+    const MVector at = originOf(joint);
+    addBall(item.positions, at, radius);
+    for (Node* child : node.dag->children)
+        if (child->hasFn(MFn::kJoint)) {
+            Path below = joint;
+            below.nodes.emplace_back(child);
+            addBone(item.positions, at, originOf(below), radius);
+        }
+    place(std::move(item), kIdentity, list);
+}
+
+void addIcon(const Bitmap& icon, const Matrix& matrix, const Look& look, DrawList& list)
+{
+    const size_t row = (icon.width + 7) / 8;
+    Item         item;
+    item.primitive = Primitive::kPoints;
+    item.space = Space::kAnchored;
+    item.state.color = look.wireColor;
+    item.state.id = look.id;
+    for (unsigned y = 0; y < icon.height; ++y)
+        for (unsigned x = 0; x < icon.width; ++x)
+            if (icon.bits[y * row + x / 8] & (0x80 >> x % 8))
+                item.positions.insert(item.positions.end(), {float(x) - float(icon.x), float(y) - float(icon.y), 0});
+    place(std::move(item), matrix, list);
+}
 
 bool addShapeItems(Node& shape, const Matrix& matrix, const Look& look, DrawList& list)
 {
@@ -240,6 +351,7 @@ bool addShapeItems(Node& shape, const Matrix& matrix, const Look& look, DrawList
         case MFn::kLocator:      addLocator(shape, matrix, look, list); return true;
         case MFn::kParticle:
         case MFn::kNParticle:    addParticles(shape, matrix, look, list); return true;
+        case MFn::kCamera:       addCamera(shape, matrix, look, list); return true;
         default:                 return false;
     }
 }

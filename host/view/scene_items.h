@@ -1,5 +1,6 @@
 // Items of the built-in kinds of objects, in object space.
 #pragma once
+#include "dag/dag.h"
 #include "graph/node.h"
 #include "view/draw_list.h"
 
@@ -14,6 +15,11 @@ struct Look
     uint32_t id = 0;
 };
 
+/// A joint's ball and the bones to the joints below it. Display size does not follow the joint's scale.
+void addJoint(const Path& joint, const Look& look, DrawList& list);
+/// One bit a pixel, rows of whole bytes from the bottom, the leftmost pixel highest; (x, y) of it stands at the object.
+struct Bitmap { unsigned width = 0, height = 0, x = 0, y = 0; std::vector<unsigned char> bits; };
+void addIcon(const Bitmap& icon, const Matrix& matrix, const Look& look, DrawList& list);
 /// Adds what the shape looks like; false if it is of no kind known here. `matrix`: object to world.
 bool addShapeItems(Node& shape, const Matrix& matrix, const Look& look, DrawList& list);
 

@@ -149,11 +149,11 @@ const Command kOuter{"registryTestOuter", {}, outer};
 TEST(CommandRun, NestedScopesAndRollback)
 {
     Recorder hooks;
-    setUndoHooks(&hooks);
+    UndoHooks* const before = setUndoHooks(&hooks);   // the host's, if it was started
     add(kInner);
     add(kOuter);
     execute(kOuter.name, {});
-    setUndoHooks(nullptr);
+    setUndoHooks(before);
     EXPECT_EQ(hooks.log, "(registryTestOuter(registryTestInner)(registryTestInner!)");
     remove(kInner.name);
     EXPECT_THROW(execute(kInner.name, {}), Error);

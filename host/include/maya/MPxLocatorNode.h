@@ -16,8 +16,11 @@ public:
     virtual void draw(M3dView& view, const MDagPath& path, M3dView::DisplayStyle style, M3dView::DisplayStatus status);
     virtual bool isBounded() const;
     virtual MBoundingBox boundingBox() const;
+    /// Whether a view that shows no locators leaves this one out. Default: true.
     virtual bool excludeAsLocator() const;
+    /// True: `draw` comes after what is transparent. Default: false.
     virtual bool isTransparent() const;
+    /// True: of those again it comes last. Default: false.
     virtual bool drawLast() const;
 
     static MObject nodeBoundingBox, nodeBoundingBoxMin, nodeBoundingBoxMinX, nodeBoundingBoxMinY, nodeBoundingBoxMinZ,
