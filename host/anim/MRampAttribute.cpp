@@ -147,7 +147,7 @@ void append(Cell& ramp, const std::vector<RampEntry>& entries)
 {
     int index = ramp.elementCount() ? ramp.elements->cells.back()->index + 1 : 0;
     for (const RampEntry& e : entries)
-        put(*ramp.element(index++), e);
+        put(edit::addElement(ramp, index++), e);
 }
 
 MStatus::MStatusCode replace(Cell* ramp, const std::vector<RampEntry>& entries)

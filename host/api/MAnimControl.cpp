@@ -1,6 +1,7 @@
 #include <maya/MAnimControl.h>
 
 #include "api/playback.h"
+#include "graph/context.h"
 #include "graph/edit.h"
 #include "graph/scene.h"
 
@@ -33,12 +34,14 @@ Cell* timeCell()
 
 double currentTime()
 {
+    const eval::When now = eval::now();
     Cell* cell = timeCell();
-    return cell ? cell->number() : 0;
+    return !now.normal ? now.seconds : cell ? cell->number() : 0;
 }
 
 void setCurrentTime(double seconds)
 {
+    const eval::At normal({});   // the scene's time, whatever time is being read
     if (Cell* cell = timeCell())
         edit::setNumber(*cell, seconds);
 }

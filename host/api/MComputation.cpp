@@ -1,9 +1,10 @@
-// Long computations, thread pools and contexts.
+// Long computations, thread pools, and what evaluation scheduled ahead would know.
 #include <maya/MComputation.h>
 
 #include <csignal>
 #include <cstdio>
 
+#include <algorithm>
 #include <atomic>
 #include <condition_variable>
 #include <mutex>
@@ -11,7 +12,7 @@
 
 #include <unistd.h>
 
-#include <maya/MDGContext.h>
+#include <maya/MCacheSchema.h>
 #include <maya/MEvaluationNode.h>
 #include <maya/MPlug.h>
 #include <maya/MThreadPool.h>
@@ -237,18 +238,6 @@ MStatus MThreadPool::executeAndJoin(MThreadRootTask* root)
     return MS::kSuccess;
 }
 
-// ---- contexts ----------------------------------------------------------------------------------------------------
-
-MDGContext MDGContext::fsNormal;
-
-bool    MDGContext::isNormal(MStatus* s) const { return reported(s, MS::kSuccess, true); }
-bool    MDGContext::isCurrent(MStatus* s) const { return reported(s, MS::kSuccess, true); }
-MStatus MDGContext::getTime(MTime& time) const
-{
-    time = MTime(MTime(playback::currentTime(), MTime::kSeconds).as(MTime::uiUnit()), MTime::uiUnit());
-    return MS::kSuccess;
-}
-
 bool MEvaluationNode::dirtyPlugExists(const MObject& attribute, MStatus* s) const
 {
     bool found = false;
@@ -266,3 +255,17 @@ MPlug MEvaluationNode::dirtyPlug(const MObject& attribute, MStatus* s) const
 }
 
 MObject MEvaluationNode::dependencyNode(MStatus* s) const { return reported(s, node_.isNull() ? MS::kFailure : MS::kSuccess, node_); }
+
+MStatus MCacheSchema::add(const MObject& attribute)
+{
+    if (!attribute.hasFn(MFn::kAttribute))
+        return MS::kInvalidParameter;
+    if (!contains(attribute))
+        attributes_.push_back(attribute);
+    return MS::kSuccess;
+}
+
+bool MCacheSchema::contains(const MObject& attribute) const
+{
+    return std::find(attributes_.begin(), attributes_.end(), attribute) != attributes_.end();
+}

@@ -44,10 +44,10 @@ void writeTriple(Node& node, const Attribute* a, const MVector& v)
     if (triple(node, a) == v)
         return;
     Cell& cell = *node.cell(a);
-    if (cell.source)
+    if (edit::isDriven(cell))
         throw command::Error("The attribute '" + plugName(cell) + "' is connected and cannot be modified.");
     for (size_t i = 0; i < 3; ++i)
-        if (Cell* c = cell.childIfAny(i); c && (c->source || c->is(Cell::kLocked)) && c->number() != (i == 0 ? v.x : i == 1 ? v.y : v.z))
+        if (Cell* c = cell.childIfAny(i); c && (edit::isDriven(*c) || c->is(Cell::kLocked)) && c->number() != (i == 0 ? v.x : i == 1 ? v.y : v.z))
             throw command::Error("The attribute '" + plugName(*c) + "' is locked or connected and cannot be modified.");
     edit::change(cell, [&] {
         cell.setNumber(v.x, 0);

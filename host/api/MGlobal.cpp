@@ -18,6 +18,7 @@
 #include "api/selection_access.h"
 #include "command/startup.h"
 #include "command/user_command.h"
+#include "data/array_access.h"
 #include "dag/dag.h"
 #include "graph/evaluate.h"
 #include "graph/scene.h"
@@ -121,20 +122,28 @@ bool take(const Value& v, MIntArray& out)
     out.clear();
     if (v.kind() == Value::kString || v.kind() == Value::kStrings)
         return false;
-    if (!v.isNone())
-        for (int i : v.asInts())
-            out.append(i);
+    if (v.isNone())
+        return true;
+    const command::Ints converted = v.kind() == Value::kInts ? command::Ints() : v.asInts();
+    const command::Ints& values = v.kind() == Value::kInts ? v.get<command::Ints>() : converted;
+    if (!values.empty())
+        out = MIntArray(values.data(), unsigned(values.size()));
     return true;
 }
 
-bool take(const Value& v, MDoubleArray& out)
+/// Takes the value's buffer, which is copied only if a variable still holds it.
+bool take(Value& v, MDoubleArray& out)
 {
     out.clear();
     if (v.kind() == Value::kString || v.kind() == Value::kStrings)
         return false;
-    if (!v.isNone())
-        for (const command::Floats values = v.asFloats(); double d : std::as_const(*values))
-            out.append(d);
+    if (v.isNone())
+        return true;
+    command::Floats values = v.kind() == Value::kFloats ? std::move(v.get<command::Floats>()) : v.asFloats();
+    v = Value();
+    if (values && values->refCount() > 1)
+        values = make<Buffer<double>>(std::as_const(*values));
+    ArrayAccess::own(out, values);
     return true;
 }
 

@@ -9,6 +9,7 @@
 
 #include "api/api.h"
 #include "graph/access.h"
+#include "graph/edit.h"
 
 using namespace mirk;
 
@@ -71,20 +72,12 @@ struct GraphWalk
     /// At plug level the walk goes on inside a node to the plugs that depend on this one, or that it depends on.
     void throughNode(Cell& cell, const Handle& from, std::vector<Handle>& found)
     {
-        const NodeType& type = *cell.node->type;
-        const auto      affects = [&](const Attribute* a, const Attribute* b) {
-            for (const Attribute* p = a; p; p = p->parent)
-                if (size_t(p->slot) < type.affects.size() &&
-                    std::count(type.affects[size_t(p->slot)].begin(), type.affects[size_t(p->slot)].end(), b->slot))
-                    return true;
-            return false;
-        };
         for (Cell* top : cell.node->cells)
             if (top && !top->parent)
                 walkCells(*top, [&](Cell& c) {
                     if (&c == &cell || !(c.source || c.hasTargets()))
                         return;
-                    const bool on = direction == G::kDownstream ? affects(cell.attr, c.attr) : affects(c.attr, cell.attr);
+                    const bool on = direction == G::kDownstream ? edit::dependsOn(c, cell) : edit::dependsOn(cell, c);
                     if (on && seen.insert(&c).second)
                         found.push_back(std::make_shared<Item>(Item{from->node, PlugAccess::make(c), from->plug, from}));
                 });

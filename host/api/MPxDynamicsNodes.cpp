@@ -32,6 +32,12 @@ MPxNode::Type MPxFieldNode::type() const { return kFieldNode; }
 MStatus MPxFieldNode::compute(const MPlug&, MDataBlock&) { return MS::kUnknownParameter; }
 MStatus MPxFieldNode::getForceAtPoint(const MVectorArray&, const MVectorArray&, const MDoubleArray&, MVectorArray&, double) { return MS::kUnknownParameter; }
 void    MPxFieldNode::draw(M3dView&, const MDagPath&, M3dView::DisplayStyle, M3dView::DisplayStatus) {}
+MStatus MPxFieldNode::iconSizeAndOrigin(unsigned& width, unsigned& height, unsigned& xbo, unsigned& ybo)
+{
+    width = height = xbo = ybo = 0;
+    return MS::kSuccess;
+}
+MStatus MPxFieldNode::iconBitmap(unsigned char*) { return MS::kSuccess; }
 double  MPxFieldNode::falloffCurve(double) { return 1; }
 bool    MPxFieldNode::isFalloffCurveConstantOne(MStatus* s)
 {

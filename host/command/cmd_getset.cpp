@@ -1,7 +1,10 @@
 // getAttr and setAttr.
+#include "anim/curve_node.h"
 #include "command/attr_value.h"
 #include "command/cmd_util.h"
 #include "command/message.h"
+#include "graph/context.h"
+#include "graph/edit.h"
 #include "graph/evaluate.h"
 #include "io/ma_mesh.h"
 
@@ -27,11 +30,12 @@ bool lockedAbove(const Cell& cell)
     return false;
 }
 
-bool sourceAbove(const Cell& cell)
+/// What a curve animates can be set: the value lasts until the time changes. So with other passive outputs.
+bool drivenAbove(Cell& cell)
 {
-    for (const Cell* c = &cell; c; c = c->parent)
+    for (Cell* c = &cell; c; c = c->parent)
         if (c->source)
-            return true;
+            return edit::isDriven(*c) && !anim::curveDriving(*c);
     return false;
 }
 
@@ -57,7 +61,7 @@ bool plugFact(Cell& cell, Call& call, Value& out)
     else if (call.has("caching"))
         out = Value(cell.attr->is(Attribute::kCached));
     else if (call.has("settable"))
-        out = Value(cell.attr->is(Attribute::kWritable) && !lockedAbove(cell) && !sourceAbove(cell));
+        out = Value(cell.attr->is(Attribute::kWritable) && !lockedAbove(cell) && !edit::isDriven(const_cast<Cell&>(cell)));
     else
     {
         call.truth = false;
@@ -97,8 +101,7 @@ Value getAttr(Call& call)
     const Strings plugs = call.names();
     if (plugs.empty())
         fail("No attribute was specified.");
-    if (call.has("time"))
-        fail("getAttr -time: only the current time can be asked for");
+    const eval::At context(call.has("time") ? eval::When{false, timeSeconds(call.use("time")->args[0])} : eval::now());
     std::vector<Cell*> cells;
     for (const std::string& name : plugs)
         for (Cell* c : somePlugs(name))
@@ -157,10 +160,10 @@ void checkWritable(const Cell& cell)
 {
     bool childSource = false;
     if (cell.attr->isCompound() && !cell.isMulti())
-        walkCells(const_cast<Cell&>(cell), [&](Cell& c) { childSource |= c.source != nullptr; });
+        walkCells(const_cast<Cell&>(cell), [&](Cell& c) { childSource |= c.source && drivenAbove(c); });
     if (!cell.attr->is(Attribute::kWritable))
         fail("The attribute '" + plugText(cell) + "' is not writable and cannot be modified.");
-    if (lockedAbove(cell) || sourceAbove(cell) || childSource)
+    if (lockedAbove(cell) || drivenAbove(const_cast<Cell&>(cell)) || childSource)
         fail("The attribute '" + plugText(cell) + "' is locked or connected and cannot be modified.");
 }
 

@@ -135,6 +135,20 @@ Value playbackOptions(Call& call)
     return {};
 }
 
+constexpr Flag kEvaluationManager[] = {{"m", "mode", "s", kBoth}, {"e", "enabled", "b", kBoth}};
+
+/// Values are pulled on demand: the mode that is called off.
+Value evaluationManager(Call& call)
+{
+    if (call.isQuery())
+        return call.has("enabled") ? Value(false) : Value(Strings{"off"});
+    if (call.has("mode") && call.str("mode") != "off")
+        fail("evaluationManager: the mode '" + call.str("mode") + "' is not offered, only 'off'");
+    if (call.has("enabled") && call.boolean("enabled"))
+        fail("evaluationManager: only the mode 'off' is offered");
+    return {};
+}
+
 constexpr Flag kUndoInfo[] = {
     {"st", "state", "b", kBoth}, {"swf", "stateWithoutFlush", "b", kBoth}, {"in", "infinity", "b", kBoth}, {"l", "length", "i", kBoth},
     {"ock", "openChunk"}, {"cck", "closeChunk"}, {"cn", "chunkName", "s", kBoth}, {"un", "undoName", "", kQuery}, {"rn", "redoName", "", kQuery},
@@ -203,6 +217,7 @@ const Command kCommands[] = {
     {"currentUnit", kCurrentUnit, currentUnit},
     {"currentTime", kCurrentTime, currentTime},
     {"playbackOptions", kPlayback, playbackOptions},
+    {"evaluationManager", kEvaluationManager, evaluationManager},
     {"undoInfo", kUndoInfo, undoInfo, false, false},
     {"undo", {}, undoCommand, false, false},
     {"redo", {}, redoCommand, false, false},

@@ -85,6 +85,8 @@ void registerMeshEditCommands();
 void registerNurbsCommands();
 void registerSceneCommands();
 void registerTimeCommands();
+void registerMeasureCommands();
+void registerDisplayCommands();
 void registerSystemCommands();
 void registerPluginCommands();
 

@@ -1,5 +1,6 @@
 #include "command/commands.h"
 
+#include "command/anim_commands.h"
 #include "command/cmd_util.h"
 
 namespace mirk {
@@ -20,8 +21,13 @@ void registerCommands()
     registerNurbsCommands();
     registerSceneCommands();
     registerTimeCommands();
+    registerMeasureCommands();
+    registerDisplayCommands();
     registerSystemCommands();
     registerPluginCommands();
+    registerKeyCommands();
+    registerKeyEditCommands();
+    registerSetCommands();
 }
 
 }  // namespace mirk

@@ -148,7 +148,7 @@ void makeUnknown(Plugin& plugin)
             continue;
         node->unknownType = node->type->name;
         node->type = unknownTypeFor(node->type);
-        node->dependsOnDirtyCall = false;
+        node->dependsOnDirtyCall = node->ownDependsOn = node->ownPassive = false;
         node->user.reset();
     }
 }

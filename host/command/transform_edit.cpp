@@ -7,6 +7,7 @@
 #include <maya/MQuaternion.h>
 #include <maya/MTransformationMatrix.h>
 
+#include "graph/edit.h"
 #include "graph/evaluate.h"
 
 namespace mirk::command {
@@ -63,7 +64,7 @@ void setChannels(Node& node, const char* name, const MVector& value)
         if (value[k] == now[k])
             continue;
         Cell* child = cell.child(k);
-        if (cell.source || child->source || cell.is(Cell::kLocked) || child->is(Cell::kLocked))
+        if (edit::isDriven(*child) || cell.is(Cell::kLocked) || child->is(Cell::kLocked))
         {
             if (std::fabs(value[k] - now[k]) < 1e-9)
                 continue;   // the rounding of a matrix must not touch what cannot be changed

@@ -7,6 +7,7 @@
 #include <maya/MDataHandle.h>
 
 #include "graph/access.h"
+#include "graph/context.h"
 #include "graph/edit.h"
 #include "graph/evaluate.h"
 
@@ -33,6 +34,15 @@ Cell* firstMultiOf(Cell* element)
         if (element->attr->children[i]->isArray())
             return element->child(i);
     return nullptr;
+}
+
+/// At another time the element is missing there; its connections are the scene's.
+void dropElement(Cell& element)
+{
+    if (eval::other::active)
+        eval::other::hideElement(element);
+    else
+        edit::dropElement(element);
 }
 
 }  // namespace
@@ -139,7 +149,7 @@ MStatus MArrayDataHandle::set(const MArrayDataBuilder& builder)
         const Cell& fresh = *builder.cell_;
         for (size_t i = cell_->elementCount(); i-- > 0;)
             if (!fresh.elementIfAny(cell_->elements->cells[i]->index))
-                edit::removeElement(*cell_->elements->cells[i]);
+                dropElement(*cell_->elements->cells[i]);
         cell_->copyFrom(fresh);
         walkCells(*cell_, [](Cell& c) { c.flags |= Cell::kSet; });
     }
@@ -242,7 +252,7 @@ MStatus MArrayDataBuilder::removeElement(unsigned index)
         std::erase(cell_->elements->cells, c);
         delete c;
     } else {
-        edit::removeElement(*c);
+        dropElement(*c);
     }
     return MS::kSuccess;
 }

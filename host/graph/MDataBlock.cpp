@@ -3,6 +3,7 @@
 #include <maya/MDGContext.h>
 
 #include "graph/access.h"
+#include "graph/context.h"
 #include "graph/evaluate.h"
 
 using namespace mirk;
@@ -35,47 +36,54 @@ MDataHandle input(Cell* c, MStatus* status)
     return HandleAccess::handle(c, true);
 }
 
-MArrayDataHandle inputArray(Cell* c, MStatus* status)
+MDataHandle output(Cell* c, MStatus* status)
+{
+    tell(status, c);
+    return HandleAccess::handle(c);
+}
+
+bool isMulti(Cell* c, MStatus* status)
 {
     const bool good = c && c->isMulti();
     tell(status, good);
-    if (!good)
+    return good;
+}
+
+MArrayDataHandle inputArray(Cell* c, MStatus* status)
+{
+    if (!isMulti(c, status))
         return MArrayDataHandle();
     if (c->source || c->parent || (c->is(Cell::kDirty) && c->node->isComputed(c->attr)))
         eval::pullDeep(*c);
     return HandleAccess::array(c, true);
 }
 
-MArrayDataHandle outputArray(Cell* c, MStatus* status)
-{
-    const bool good = c && c->isMulti();
-    tell(status, good);
-    return good ? HandleAccess::array(c) : MArrayDataHandle();
-}
+MArrayDataHandle outputArray(Cell* c, MStatus* status) { return isMulti(c, status) ? HandleAccess::array(c) : MArrayDataHandle(); }
 
 }  // namespace
 
-MDataHandle MDataBlock::inputValue(const MObject& a, MStatus* s) { return input(cellOf(node_, a), s); }
-MDataHandle MDataBlock::inputValue(const MPlug& p, MStatus* s) { return input(PlugAccess::cell(p), s); }
+namespace mirk {
 
-MDataHandle MDataBlock::outputValue(const MObject& a, MStatus* s)
+/// The cell, or for a block that was given a context a copy of it there.
+Cell* HandleAccess::inBlock(const MDataBlock& block, Cell* c)
 {
-    Cell* c = cellOf(node_, a);
-    tell(s, c);
-    return HandleAccess::handle(c);
+    if (!c || block.mode_ == MDataBlock::kAmbient)
+        return c;
+    Cell* copy = eval::copyAt(*c, {block.mode_ == MDataBlock::kNormal, block.seconds_});
+    eval::deleteLater(copy);
+    return copy;
 }
 
-MDataHandle MDataBlock::outputValue(const MPlug& p, MStatus* s)
-{
-    Cell* c = PlugAccess::cell(p);
-    tell(s, c);
-    return HandleAccess::handle(c);
-}
+}  // namespace mirk
 
-MArrayDataHandle MDataBlock::inputArrayValue(const MObject& a, MStatus* s) { return inputArray(cellOf(node_, a), s); }
-MArrayDataHandle MDataBlock::inputArrayValue(const MPlug& p, MStatus* s) { return inputArray(PlugAccess::cell(p), s); }
-MArrayDataHandle MDataBlock::outputArrayValue(const MObject& a, MStatus* s) { return outputArray(cellOf(node_, a), s); }
-MArrayDataHandle MDataBlock::outputArrayValue(const MPlug& p, MStatus* s) { return outputArray(PlugAccess::cell(p), s); }
+#define MIRK_BOTH(Handle, method, get) \
+    Handle MDataBlock::method(const MObject& a, MStatus* s) { return get(HandleAccess::inBlock(*this, cellOf(node_, a)), s); } \
+    Handle MDataBlock::method(const MPlug& p, MStatus* s) { return get(HandleAccess::inBlock(*this, PlugAccess::cell(p)), s); }
+MIRK_BOTH(MDataHandle, inputValue, input)
+MIRK_BOTH(MDataHandle, outputValue, output)
+MIRK_BOTH(MArrayDataHandle, inputArrayValue, inputArray)
+MIRK_BOTH(MArrayDataHandle, outputArrayValue, outputArray)
+#undef MIRK_BOTH
 
 namespace {
 
@@ -103,5 +111,20 @@ bool MDataBlock::isClean(const MPlug& p, MStatus* s) { return isCleanCell(PlugAc
 MDGContext MDataBlock::context(MStatus* s) const
 {
     tell(s, node_);
-    return MDGContext();
+    return mode_ == kElsewhere ? MDGContext(MTime(seconds_, MTime::kSeconds)) : mode_ == kNormal ? MDGContext() : MDGContext::current();
+}
+
+MStatus MDataBlock::setContext(const MDGContext& context)
+{
+    if (!node_)
+        return MS::kFailure;
+    if (context.isCurrent()) {
+        mode_ = kAmbient;
+        return MS::kSuccess;
+    }
+    MTime time;
+    context.getTime(time);
+    mode_ = context.isNormal() ? kNormal : kElsewhere;
+    seconds_ = time.as(MTime::kSeconds);
+    return MS::kSuccess;
 }

@@ -637,7 +637,13 @@ MStatus MPlug::setMDataHandle(const MDataHandle& v)
         return MS::kSuccess;
     }
     try {
-        edit::change(*c, [&] { c->copyFrom(*from); });
+        edit::change(*c, [&] {
+            if (c->isMulti() && from->isMulti())   // the value is what the handle has, and nothing beside it
+                for (size_t i = c->elementCount(); i-- > 0;)
+                    if (!from->elementIfAny(c->elements->cells[i]->index))
+                        edit::dropElement(*c->elements->cells[i]);
+            c->copyFrom(*from);
+        });
     } catch (const command::Error&) {
         return MS::kFailure;
     }

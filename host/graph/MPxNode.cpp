@@ -15,6 +15,7 @@ MStatus MPxNode::compute(const MPlug&, MDataBlock&) { return MS::kUnknownParamet
 MStatus MPxNode::setDependentsDirty(const MPlug&, MPlugArray&) { return MS::kSuccess; }
 MStatus MPxNode::preEvaluation(const MDGContext&, const MEvaluationNode&) { return MS::kSuccess; }
 MStatus MPxNode::postEvaluation(const MDGContext&, const MEvaluationNode&, PostEvaluationType) { return MS::kSuccess; }
+MStatus MPxNode::configCache(const MEvaluationNode&, MCacheSchema&) const { return MS::kSuccess; }
 MPxNode::SchedulingType MPxNode::schedulingType() const { return mpSafe_ ? kParallel : kDefaultScheduling; }
 MStatus MPxNode::connectionMade(const MPlug&, const MPlug&, bool) { return MS::kUnknownParameter; }
 MStatus MPxNode::connectionBroken(const MPlug&, const MPlug&, bool) { return MS::kUnknownParameter; }

@@ -38,6 +38,7 @@ struct HandleAccess
     static Cell* cell(const MDataHandle& h) { return h.cell_; }
     static Cell* cell(const MArrayDataHandle& h) { return h.cell_; }
     static Node* node(const MDataBlock& b) { return b.node_; }
+    static Cell* inBlock(const MDataBlock& block, Cell* cell);
     static bool  isInput(const MDataHandle& h) { return h.input_; }
     /// The data object behind a handle, or null. For writers: `detachForWrite` gives the cell a data object of its own.
     static Object* data(const MDataHandle& h);

@@ -6,6 +6,7 @@
 #include <mutex>
 #include <new>
 
+#include "graph/context.h"
 
 namespace mirk {
 namespace {
@@ -201,6 +202,8 @@ Cell* Cell::child(size_t i)
         children[i]->flags |= flags & (kRemoved | kPrivate);
         if (attr->isTuple())
             children[i]->set(kDirty, is(kDirty));
+        if (eval::other::active)
+            eval::other::noteNew(*children[i]);
     }
     return children[i];
 }
@@ -216,6 +219,8 @@ Cell* Cell::element(int logical)
     Cell* made = new Cell(node, attr, this, logical);
     made->flags |= flags & (kRemoved | kPrivate);
     elements->cells.insert(elements->cells.begin() + elements->lowerBound(logical), made);
+    if (eval::other::active)
+        eval::other::noteNew(*made);
     return made;
 }
 

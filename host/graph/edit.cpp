@@ -4,9 +4,12 @@
 #include <cctype>
 #include <cstring>
 
+#include <maya/MPlugArray.h>
+
 #include "command/registry.h"
 #include "dag/dag.h"
 #include "graph/access.h"
+#include "graph/context.h"
 #include "graph/evaluate.h"
 #include "graph/scene.h"
 #include "graph/undo.h"
@@ -229,6 +232,8 @@ private:
                 for (Cell* t : *p->targets)
                     walkCells(*t, [&](Cell& below) { add(&below); });
         Node& n = *c.node;
+        if (n.ownDependsOn)
+            return ask(c);
         for (const Attribute* a = c.attr; a; a = a->parent)
             if (size_t(a->slot) < n.type->affects.size())
                 for (int slot : n.type->affects[a->slot])
@@ -239,10 +244,22 @@ private:
         for (Cell* p = &c; p; p = p->parent)
             add(p->source);
         Node& n = *c.node;
+        if (n.ownDependsOn)
+            return ask(c);
         for (size_t slot = 0; slot < n.type->affects.size(); ++slot)
             for (const Attribute* a = c.attr; a; a = a->parent)
                 if (n.cells[slot] && std::count(n.type->affects[slot].begin(), n.type->affects[slot].end(), a->slot))
                     addSlot(n, int(slot));
+    }
+    /// A node with rules of its own is asked for each pair of plugs.
+    void ask(Cell& c)
+    {
+        for (Cell* top : c.node->cells)
+            if (top && !top->parent)
+                walkCells(*top, [&](Cell& o) {
+                    if (&o != &c && !has(&o) && (forward_ ? dependsOn(o, c) : dependsOn(c, o)))
+                        add(&o);
+                });
     }
     bool                           forward_;
     std::unordered_map<Cell*, bool> seen_;
@@ -310,6 +327,21 @@ void dropIfAlone(Node* node)
         node->dag ? dag::deleteNode(*node) : deleteNode(*node);
 }
 
+/// Which virtuals the class has of its own: the graph need not ask the others.
+void noteOverrides(Node& node)
+{
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wpmf-conversions"
+    MPxNode plain, &user = *node.user;
+    const auto own = [&](auto function) {
+        return reinterpret_cast<void*>((&user)->*function) != reinterpret_cast<void*>((&plain)->*function);
+    };
+    node.dependsOnDirtyCall = own(&MPxNode::setDependentsDirty);
+    node.ownDependsOn = own(&MPxNode::dependsOn);
+    node.ownPassive = own(&MPxNode::isPassiveOutput);
+#pragma GCC diagnostic pop
+}
+
 }  // namespace
 
 // ---- nodes -------------------------------------------------------------------------------------------------------
@@ -367,14 +399,7 @@ Node* createNode(NodeType* type, const std::string& name)
         node->user.reset(static_cast<MPxNode*>(type->creator()));
     if (node->user) {
         UserNodeAccess::bind(*node->user, node.get());
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wpmf-conversions"
-        using Function = MStatus (MPxNode::*)(const MPlug&, MPlugArray&);
-        MPxNode plainUser;
-        const Function dirtyCall = &MPxNode::setDependentsDirty;
-        node->dependsOnDirtyCall = reinterpret_cast<void*>((node->user.get())->*dirtyCall)
-                                   != reinterpret_cast<void*>((&plainUser)->*dirtyCall);
-#pragma GCC diagnostic pop
+        noteOverrides(*node);
     }
     scene().add(*node);
     undo::push([node] { scene().remove(*node); }, [node] { scene().add(*node); });
@@ -383,6 +408,53 @@ Node* createNode(NodeType* type, const std::string& name)
     return node.get();
 }
 
+namespace {
+
+/// What the node's neighbours are joined by when it goes: a source and the targets that take it over.
+using Passages = std::vector<std::pair<Hold, Hold>>;
+
+Passages passages(Node& node)
+{
+    Passages found;
+    if (!node.user)
+        return found;
+    const auto note = [&](Cell& source, const MPlug& through) {
+        Cell* out = PlugAccess::cell(through);
+        if (out && out->node == &node && out->targets)
+            for (Cell* t : *out->targets)
+                if (t->node != &node && source.node != &node)
+                    found.emplace_back(Hold(source), Hold(*t));
+    };
+    const auto ask = [&](Cell& in) {
+        if (!in.source)
+            return;
+        const MPlug plug = PlugAccess::make(in), one = node.user->passThroughToOne(plug);
+        MPlugArray  many;
+        if (!one.isNull())
+            note(*in.source, one);
+        else if (node.user->passThroughToMany(plug, many))
+            for (unsigned i = 0; i < many.length(); ++i)
+                note(*in.source, many[i]);
+    };
+    for (size_t slot = 0; slot < node.cells.size(); ++slot)
+        if (Cell* top = node.cells[slot]; top && !top->parent)
+            walkCells(*top, ask);
+    return found;
+}
+
+void joinNeighbours(const Passages& found)
+{
+    for (const auto& [source, target] : found)
+        if (source->node->inScene && target->node->inScene && !target->source && !target->is(Cell::kRemoved)) {
+            try {
+                connect(*source, *target);
+            } catch (const Error&) {   // kinds that do not fit: the neighbours stay apart
+            }
+        }
+}
+
+}  // namespace
+
 void deleteNode(Node& node)
 {
     if (node.isDefault)
@@ -390,6 +462,7 @@ void deleteNode(Node& node)
     if (node.locked)
         throw Error("Cannot delete locked node '" + node.name + "'.");
     Ref<Node> keep(&node);
+    const Passages joined = passages(node);
     std::vector<Ref<Node>> neighbours;
     for (size_t slot = 0; slot < node.cells.size(); ++slot) {
         Cell* top = node.cells[slot];
@@ -413,6 +486,7 @@ void deleteNode(Node& node)
     }
     scene().remove(node);
     undo::push([keep] { scene().add(*keep); }, [keep] { scene().remove(*keep); });
+    joinNeighbours(joined);
     for (const Ref<Node>& n : neighbours)
         dropIfAlone(n.get());
 }
@@ -445,6 +519,31 @@ std::string whyNot(const Attribute& s, const Attribute& t)
     if (!fits(s, t))
         return "the kinds of data do not fit";
     return "";
+}
+
+bool dependsOn(Cell& out, Cell& in)
+{
+    Node& node = *out.node;
+    if (in.node != &node)
+        return false;
+    bool depends = false;
+    if (node.ownDependsOn && node.user &&
+        node.user->dependsOn(PlugAccess::make(out), PlugAccess::make(in), depends) == MS::kSuccess)
+        return depends;
+    for (const Attribute* a = in.attr; a; a = a->parent)
+        if (size_t(a->slot) < node.type->affects.size())
+            for (const Attribute* b = out.attr; b; b = b->parent)
+                if (std::count(node.type->affects[size_t(a->slot)].begin(), node.type->affects[size_t(a->slot)].end(), b->slot))
+                    return true;
+    return false;
+}
+
+bool isDriven(Cell& cell)
+{
+    for (Cell* c = &cell; c; c = c->parent)
+        if (Cell* s = c->source)
+            return !(s->node->ownPassive && s->node->user && s->node->user->isPassiveOutput(PlugAccess::make(*s)));
+    return false;
 }
 
 bool wouldCycle(Cell& source, Cell& target)
@@ -521,6 +620,14 @@ void beforeChange(Cell& cell)
     for (Cell* p = &cell; p; p = p->parent)
         if (p->is(Cell::kLocked))
             throw Error("The attribute '" + nameOf(cell) + "' is locked or connected and cannot be modified.");
+    if (eval::other::any() && !cell.node->computing)
+        eval::other::forget(cell);
+    // what is set on a driven plug lasts until its source changes, which only a source that is up to date can tell
+    if (eval::depth() == 0)
+        walkCells(cell, [](Cell& c) {
+            if (c.source && c.is(Cell::kDirty))
+                eval::pull(c);
+        });
     if (!undo::recording() || cell.node->computing || (cell.flags & Cell::kPrivate))
         return;
     auto before = std::make_shared<Snapshot>(cell);
@@ -552,6 +659,9 @@ void afterChange(Cell& cell)
         if (!c.source)
             c.flags |= Cell::kSet;
     });
+    for (Cell* c = &cell; c; c = c->parent)
+        if (c->source && c->source->is(Cell::kDirty))   // the value holds until that changes, which dirt has to tell
+            c->source->flags |= Cell::kLeaky;
     eval::clean(cell);
     walkCells(cell, eval::tellInternalValue);
     if (!cell.node->computing)
@@ -581,6 +691,8 @@ void takeOut(Cell& element)
 {
     Cell& multi = *element.parent;
     std::erase(multi.elements->cells, &element);
+    if (eval::other::any())
+        eval::other::forgetElement(element);
     walkCells(element, [](Cell& c) { c.flags |= Cell::kRemoved; });
     multi.node->removed.push_back(&element);
     eval::noteRemoved(*multi.node);
@@ -602,6 +714,32 @@ void putBack(Cell& element)
 }
 
 }  // namespace
+
+void dropElement(Cell& element)
+{
+    bool connected = false;
+    walkCells(element, [&](Cell& c) { connected = connected || c.source || c.hasTargets(); });
+    if (!connected)
+        return removeElement(element);
+    walkCells(element, [](Cell& c) {
+        if (!c.isMulti())
+            c.setDefault();
+    });
+}
+
+Cell& addElement(Cell& multi, int index)
+{
+    if (Cell* present = multi.elementIfAny(index))
+        return *present;
+    Cell* made = multi.element(index);
+    if (!made)
+        throw Error("'" + nameOf(multi) + "' has no element " + std::to_string(index) + ".");
+    if (undo::recording() && !multi.node->computing) {
+        Hold hold(*made);
+        undo::push([=] { takeOut(*hold); }, [=] { putBack(*hold); });
+    }
+    return *made;
+}
 
 void removeElement(Cell& element)
 {

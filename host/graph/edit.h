@@ -22,6 +22,10 @@ void checkConnect(Cell& source, Cell& target, bool force = false);
 void disconnect(Cell& source, Cell& target);
 /// Why a connection is not possible; empty if it is.
 std::string whyNot(const Attribute& source, const Attribute& target);
+/// True if `out` depends on `in`, both of one node: by the node's own word, else by what its type declares.
+bool dependsOn(Cell& out, Cell& in);
+/// True if the cell is driven by a connection that does not let it be set by hand.
+bool isDriven(Cell& cell);
 /// True if dirt on `target` would reach `source`.
 bool wouldCycle(Cell& source, Cell& target);
 
@@ -33,7 +37,10 @@ void afterChange(Cell& cell);       ///< marks clean and set, spreads
 void setNumber(Cell& cell, double value, int component = 0);
 void setData(Cell& cell, Ref<Data> value);
 
+Cell& addElement(Cell& multi, int index);   ///< the element, made if missing; undo takes it out again
 void removeElement(Cell& element);  ///< with its connections
+/// What a data block does to an element that gets no value: it goes, or holds its default if something is connected.
+void dropElement(Cell& element);
 void addDynamic(Node& node, Ref<Attribute> top);
 void deleteDynamic(Node& node, Attribute& top);
 void setFlag(Cell& cell, Cell::Flag flag, bool on);   ///< lock, keyable and channel-box overrides

@@ -9,6 +9,7 @@
 #include <maya/MPlugArray.h>
 
 #include "graph/access.h"
+#include "graph/context.h"
 #include "graph/deep_stack.h"
 
 namespace mirk::eval {
@@ -66,6 +67,8 @@ void noteChildDirty(Cell& cell)
 
 void markInput(Cell& target)
 {
+    if (other::walking && !other::first(target))
+        return;
     walkCells(target, [](Cell& c) { c.flags |= Cell::kDirty; });
     noteChildDirty(target);
     state().queue.push_back(&target);
@@ -86,10 +89,12 @@ void markTargets(Cell& cell)
 
 void markOutput(Cell& out)
 {
-    if (!out.is(Cell::kDirty) || out.is(Cell::kLeaky)) {
+    if (other::walking ? other::first(out) : !out.is(Cell::kDirty) || out.is(Cell::kLeaky)) {
         out.flags = (out.flags | Cell::kDirty) & ~Cell::kLeaky;
         noteChildDirty(out);
         markTargets(out);
+    } else if (other::walking) {
+        return;
     } else if (!out.is(Cell::kChildDirty) && (out.children || out.elements)) {
         return;   // all dirty already, nothing below was read since
     }
@@ -130,7 +135,7 @@ void markAcross(Node& node, const Attribute& a)
     std::vector<Cell*> also;
     node.type->onDirty(node, a, also);
     for (Cell* c : also)
-        if (c && (!c->is(Cell::kDirty) || (c->flags & (Cell::kLeaky | Cell::kChildDirty)))) {
+        if (c && (other::walking ? !other::seen(*c) : !c->is(Cell::kDirty) || (c->flags & (Cell::kLeaky | Cell::kChildDirty)))) {
             markOutput(*c);
             state().queue.push_back(c);
         }
@@ -176,6 +181,8 @@ void askNode(Cell& cell)
         markAcross(node, *cell.attr);
     if (node.dependsOnDirtyCall && node.user) {
         MPlugArray plugs;
+        if (other::walking)
+            other::noteCall(cell);
         node.user->setDependentsDirty(PlugAccess::lend(cell), plugs);
         for (unsigned i = 0; i < plugs.length(); ++i)
             if (Cell* c = PlugAccess::cell(plugs[i]))
@@ -248,6 +255,7 @@ void callCompute(Cell& cell)
     State& s = state();
     Node&  node = *cell.node;
     Node*  outer = s.node;
+    const other::Computing scope(node);   // first: it must not take this compute's marks for older ones
     const size_t firstWritten = s.written.size();
     ++s.depth;
     ++node.computing;
@@ -322,6 +330,8 @@ void take(Cell& cell, Cell& source)
         pull(source);
     if (source.is(Cell::kDirty))
         source.flags |= Cell::kLeaky;
+    if (other::active)
+        other::receive(cell, source);
     cell.copyFrom(source);
     cell.flags &= ~(Cell::kDirty | Cell::kChildDirty | Cell::kLeaky);
     settleChildren(cell);
@@ -361,8 +371,11 @@ void tellInternalValue(Cell& cell)
 
 void pull(Cell& cell)
 {
-    if (!(cell.flags & (Cell::kDirty | Cell::kChildDirty | Cell::kInternal)))
+    if (!(cell.flags & (Cell::kDirty | Cell::kChildDirty | Cell::kInternal))) {
+        if (other::active)
+            other::noteRead(cell);
         return;
+    }
     if (cell.flags & (Cell::kPrivate | Cell::kRemoved)) {
         cell.flags &= ~Cell::kDirty;
         return;
@@ -395,6 +408,8 @@ void pullDeep(Cell& cell)
     if (source) {
         if (cell.flags & (Cell::kDirty | Cell::kChildDirty)) {
             pullDeep(*source);
+            if (other::active)
+                other::receive(cell, *source);
             cell.copyFrom(*source);
             walkCells(cell, [&](Cell& c) { c.set(Cell::kDirty, c.source && &c != &cell); });
         }
@@ -413,7 +428,9 @@ void pullDeep(Cell& cell)
     cell.flags &= ~Cell::kChildDirty;
 }
 
-void spread(Cell& cell)
+namespace {
+
+void spreadHere(Cell& cell)
 {
     auto& queue = state().queue;
     const size_t base = queue.size();
@@ -425,11 +442,29 @@ void spread(Cell& cell)
     }
 }
 
-void dirty(Cell& cell)
+void dirtyHere(Cell& cell)
 {
     walkCells(cell, [](Cell& c) { c.flags |= Cell::kDirty; });
     noteChildDirty(cell);
-    spread(cell);
+    spreadHere(cell);
+}
+
+}  // namespace
+
+void spread(Cell& cell)
+{
+    if (other::any())
+        other::everyStore([&] { spreadHere(cell); });
+    else
+        spreadHere(cell);
+}
+
+void dirty(Cell& cell)
+{
+    if (other::any())
+        other::everyStore([&] { dirtyHere(cell); });
+    else
+        dirtyHere(cell);
 }
 
 void dirtyOutputs(Node& node)
@@ -482,6 +517,7 @@ void collect()
         return;
     if (!s.reported.empty())
         s.reported.clear();
+    deleteCopies();
     if (!s.withRemoved.empty()) {
         std::vector<Ref<Node>> nodes = std::move(s.withRemoved);
         s.withRemoved.clear();

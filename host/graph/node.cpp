@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "dag/dag.h"
+#include "graph/context.h"
 #include "graph/evaluate.h"
 
 namespace mirk {
@@ -176,8 +177,12 @@ Cell* Node::cell(const Attribute* a)
     Cell*& place = cells[a->slot];
     if (place)
         return place;
-    if (!a->parent)
-        return place = new Cell(this, a, nullptr, -1);
+    if (!a->parent) {
+        place = new Cell(this, a, nullptr, -1);
+        if (eval::other::active)
+            eval::other::noteNew(*place);
+        return place;
+    }
     if (a->hasArrayAncestor())
         return nullptr;
     Cell* p = cell(a->parent);

@@ -101,6 +101,8 @@ public:
     std::unique_ptr<MPxNode> user;            ///< null for a node of unknown type
     int                  computing = 0;
     bool                 dependsOnDirtyCall = false;  ///< overrides setDependentsDirty
+    bool                 ownDependsOn = false;        ///< overrides dependsOn
+    bool                 ownPassive = false;          ///< overrides isPassiveOutput
     bool                 inScene = false;
     std::string          name;
     bool                 isDefault = false;   ///< persp, time1 ...: neither deleted nor stored

@@ -3,11 +3,13 @@
 #pragma once
 #include <deque>
 #include <memory>
+#include <span>
 #include <string>
 #include <unordered_map>
 #include <vector>
 
 #include "mel/error.h"
+#include "mel/literals.h"
 #include "mel/objects.h"
 
 namespace mirk::mel {
@@ -71,6 +73,7 @@ struct Bound
 };
 
 class NativeCall;
+class NativeCode;
 struct Native;
 
 /// One place of a call.
@@ -95,25 +98,63 @@ struct Handler
     bool     quiet;
 };
 
-/// A procedure or one top-level statement, compiled.
-struct Function
+/// A number of the text that the code does not depend on: texts that differ only in such numbers share their code.
+struct Parameter
 {
-    ~Function();
+    uint16_t reg;
+    uint32_t literal;    ///< which number of the text
+    bool     isFloat, negate;
+};
 
-    std::shared_ptr<const Source> source;
+/// What the functions of equal texts share.
+struct Body
+{
+    Body();
+    Body(const Body&) = delete;
+    Body& operator=(const Body&) = delete;
+    ~Body();
+
     std::string                   name;
     std::vector<Instr>            code;
-    std::vector<uint32_t>         offsets;    ///< where in the source each instruction comes from
+    std::vector<uint32_t>         offsets;    ///< where in the first text each instruction comes from
     std::vector<Slot>             start;      ///< the registers of a fresh frame: constants, else zero
+    std::vector<Type>             types;      ///< of the registers; the parts of a vector are floats
+    std::vector<Parameter>        parameters; ///< constants that are numbers of the text
     std::vector<uint16_t>         heap;       ///< registers that own an object
     std::vector<Bound>            bound;
     std::vector<Site>             sites;
     std::vector<Handler>          handlers;   ///< inner before outer
-    std::vector<std::pair<ProcSlot*, std::shared_ptr<const Function>>> procs;   ///< what DEFP defines
     std::vector<std::pair<Type, uint16_t>> params;
     Type                          returns = Type::kVoid;
     uint64_t                      signature = 0;
     std::vector<Str*>             texts;      ///< constants, owned
+
+    mutable std::unique_ptr<NativeCode> native;   ///< once it was hot
+    mutable bool                  nativeTried = false;
+    mutable int32_t               calls = 0;
+};
+
+/// How positions of the first text of a body move in another one, whose numbers have other lengths.
+struct Shifts
+{
+    std::vector<uint32_t> begins;   ///< of the numbers in the first text
+    std::vector<int32_t>  behind;   ///< what to add behind each of them
+
+    uint32_t moved(uint32_t offset) const;
+};
+
+/// A procedure or one top-level statement, compiled.
+struct Function
+{
+    std::shared_ptr<const Body>   body;
+    std::shared_ptr<const Source> source;
+    std::shared_ptr<const Shifts> shifts;     ///< null for the first text
+    std::vector<Slot>             start;      ///< that of the body with the numbers of this text
+    std::vector<std::pair<ProcSlot*, std::shared_ptr<const Function>>> procs;   ///< what DEFP defines
+
+    const std::string& name() const { return body->name; }
+    /// The place in `source` of an instruction.
+    uint32_t offset(size_t pc) const { return shifts ? shifts->moved(body->offsets[pc]) : body->offsets[pc]; }
 };
 
 /// A compiled text.
@@ -122,7 +163,17 @@ struct Unit
     std::vector<std::shared_ptr<const Function>> statements;
     bool                                         hasResult = false;   ///< the last one gives the text's value
     std::unordered_map<std::string, ProcSlot*> locals;   ///< procedures of this file alone
+
+    // what the code was compiled for
+    struct UsedGlobal { Global* global; Type type; bool declared; };   ///< declared: takes the type anew
+    struct UsedProc   { ProcSlot* slot; uint64_t signature; };
+    std::vector<UsedGlobal> globals;
+    std::vector<UsedProc>   procs;
+    bool                    reusable = true;
 };
+
+/// Writes the numbers of a text into the registers of a fresh frame.
+void setParameters(const Body& body, std::span<const Literal> literals, std::vector<Slot>& start);
 
 /// Number of a parameter list and result, for comparing.
 uint64_t signatureOf(Type returns, const std::vector<Type>& params);

@@ -89,9 +89,10 @@ const ProcInfo* Codegen::knownProc(const std::string& name)
         {
             ProcInfo info;
             info.slot = slot;
-            info.returns = slot->function->returns;
-            for (const auto& p : slot->function->params)
+            info.returns = slot->function->body->returns;
+            for (const auto& p : slot->function->body->params)
                 info.params.push_back(p.first);
+            unit_.unit->procs.push_back({slot, slot->function->body->signature});
             return &(unit_.procs[name] = std::move(info));
         }
     return nullptr;
@@ -309,10 +310,11 @@ Operand Codegen::dynamicCall(const Node* n)
 {
     Site site;
     site.name = n->text;
+    const bool few = n->kids.size() <= 16;   // a long list of numbers is data, which belongs to the code
     for (size_t k = 0; k < n->kids.size(); ++k)
     {
         const Node* kid = n->kids[k];
-        if (kid->kind == Kind::kIntLit || kid->kind == Kind::kFloatLit || kid->kind == Kind::kStrLit)
+        if (kid->kind == Kind::kStrLit || (!few && (kid->kind == Kind::kIntLit || kid->kind == Kind::kFloatLit)))
         {
             const bool whole = kid->kind == Kind::kIntLit && kid->number <= 2147483647.0;
             site.literals.push_back(kid->kind == Kind::kStrLit ? Value(kid->text) : whole ? Value(int(kid->number)) : Value(kid->number));

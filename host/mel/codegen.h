@@ -4,6 +4,7 @@
 #include <map>
 
 #include "mel/ast.h"
+#include "mel/literals.h"
 #include "mel/native.h"
 #include "mel/symbols.h"
 
@@ -18,6 +19,8 @@ struct Operand
     bool     constant = false;
     bool     global = false;     ///< a bound global: calls may change it
     double   number = 0;         ///< of a numeric constant
+    int      literal = -1;       ///< the constant is a parameter: this number of the text
+    bool     negate = false;     ///< ... with its sign turned
 };
 
 struct Variable
@@ -43,6 +46,9 @@ struct UnitState
     std::unordered_map<std::string, ProcInfo> procs;
     std::vector<Global*>                      declared;
     std::vector<std::pair<Global*, Global>>   replaced;   ///< variables that got another type, as they were
+    std::vector<Literal>&                     literals;
+
+    void uses(Global& global, Type type, bool declared);
 };
 
 /// Generates one function: a procedure or a top-level statement.
@@ -67,6 +73,8 @@ private:
     void     freeTemps(size_t mark);
     Operand  intConstant(int32_t value);
     Operand  floatConstant(double value);
+    Operand  number(const Node* n);
+    Operand  parameter(size_t literal, Type t, bool negate);
     Operand  textConstant(const std::string& value);
     Operand  zero(Type t);
     std::shared_ptr<const Function> finish();
@@ -157,7 +165,8 @@ private:
     struct Loop { std::vector<int> breaks, continues; bool isSwitch = false; };
 
     UnitState&                               unit_;
-    std::shared_ptr<Function>                fn_;
+    std::shared_ptr<Body>                    fn_;
+    std::vector<std::pair<ProcSlot*, std::shared_ptr<const Function>>> procs_;
     bool                                     top_;
     bool                                     inProc_ = false;
     uint32_t                                 offset_ = 0;
@@ -168,6 +177,7 @@ private:
     std::vector<std::pair<Type, uint16_t>>   temps_;
     std::unordered_map<int32_t, uint16_t>    ints_;
     std::unordered_map<uint64_t, uint16_t>   floats_;
+    std::map<std::pair<size_t, int>, uint16_t> parameters_;
     std::unordered_map<std::string, uint16_t> texts_;
     std::unordered_map<Global*, Variable>    globals_;
 };

@@ -2,15 +2,15 @@
 #include "mel/compiler.h"
 
 #include <bit>
+#include <cmath>
 
 #include "mel/codegen.h"
 #include "mel/parser.h"
 
 namespace mirk::mel {
 
-Codegen::Codegen(UnitState& unit, std::string name, bool top) : unit_(unit), fn_(std::make_shared<Function>()), top_(top)
+Codegen::Codegen(UnitState& unit, std::string name, bool top) : unit_(unit), fn_(std::make_shared<Body>()), top_(top)
 {
-    fn_->source = unit.source;
     fn_->name = std::move(name);
 }
 
@@ -31,6 +31,7 @@ uint16_t Codegen::newRegister(Type t)
     if (reg + 3 > UINT16_MAX)
         throw errorAt(*unit_.source, offset_, "The procedure or statement is too large.");
     fn_->start.resize(reg + size_t(width(t)), Slot{});
+    fn_->types.resize(fn_->start.size(), t == Type::kVector ? Type::kFloat : t);
     for (size_t k = reg; k < fn_->start.size(); ++k)
         fn_->start[k].p = nullptr;
     if (isHeap(t))
@@ -89,12 +90,45 @@ Operand Codegen::floatConstant(double value)
     return o;
 }
 
+/// A number of the text. Whoever takes a number's value from the tree instead makes it part of the code.
+Operand Codegen::number(const Node* n)
+{
+    const bool isFloat = n->kind == Kind::kFloatLit;
+    const auto less = [](const Literal& l, uint32_t at) { return l.begin < at; };
+    for (uint32_t sign = 0; sign < 2; ++sign)   // the word of a negative number starts at its sign
+    {
+        const auto it = std::lower_bound(unit_.literals.begin(), unit_.literals.end(), n->offset + sign, less);
+        if (it == unit_.literals.end() || it->begin != n->offset + sign || it->isFloat != isFloat || it->value != std::fabs(n->number))
+            continue;
+        it->parameter = true;
+        return parameter(size_t(it - unit_.literals.begin()), isFloat ? Type::kFloat : Type::kInt, std::signbit(n->number));
+    }
+    return isFloat || n->number > 2147483647.0 ? floatConstant(n->number) : intConstant(int32_t(n->number));
+}
+
+/// A constant of its own register, which equal numbers do not share.
+Operand Codegen::parameter(size_t literal, Type t, bool negate)
+{
+    auto [it, fresh] = parameters_.try_emplace({literal, t == Type::kFloat ? 1 : 0});
+    if (fresh)
+    {
+        it->second = newRegister(t);
+        fn_->parameters.push_back({it->second, uint32_t(literal), t == Type::kFloat, negate});
+    }
+    Operand o{t, it->second};
+    o.constant = true;
+    o.literal = int(literal);
+    o.negate = negate;
+    return o;
+}
+
 Operand Codegen::textConstant(const std::string& value)
 {
     auto [it, fresh] = texts_.try_emplace(value);
     if (fresh)
     {
         it->second = newRegister(Type::kInt);   // not kString: the function owns the text, not the frame
+        fn_->types.back() = Type::kString;
         Str* s = new Str(value);
         addRef(s);
         fn_->texts.push_back(s);
@@ -127,7 +161,25 @@ std::shared_ptr<const Function> Codegen::finish()
 {
     emit(OP_RETV);
     fn_->code.shrink_to_fit();
-    return fn_;
+    auto f = std::make_shared<Function>();
+    f->source = unit_.source;
+    f->procs = std::move(procs_);
+    f->start = fn_->start;
+    setParameters(*fn_, unit_.literals, f->start);
+    f->body = std::move(fn_);
+    return f;
+}
+
+void setParameters(const Body& body, std::span<const Literal> literals, std::vector<Slot>& start)
+{
+    for (const Parameter& p : body.parameters)
+    {
+        const double v = p.negate ? -literals[p.literal].value : literals[p.literal].value;
+        if (p.isFloat)
+            start[p.reg].d = v;
+        else
+            start[p.reg].i = int32_t(v);
+    }
 }
 
 // ---- variables
@@ -163,13 +215,14 @@ Variable& Codegen::declareGlobal(const Node* n, const std::string& name, Type t)
     }
     else if (g->type != t)
     {
-        const Type now = g->type == Type::kDyn && g->value[0].p ? typeOf(dynValue(g->value[0])) : g->type;
+        const Type now = heldType(*g);
         // generated texts reuse the names of top-level variables for data of another type; elsewhere it is a mistake
         if (!atTop() && now != t)
             fail(n, "Invalid redeclaration of variable \"$" + name + "\" as a different type.");
         unit_.replaced.emplace_back(g, symbols().retype(*g, t, now == t));
         globals_.erase(g);
     }
+    unit_.uses(*g, t, atTop());
     Variable& v = bind(*g);
     if (!atTop())
         scopes_.back()[name] = v;
@@ -186,6 +239,18 @@ Variable& Codegen::declareImplicit(const Node* n, const std::string& name, Type 
     return atTop() ? declareGlobal(n, name, t) : declareLocal(n, name, t);
 }
 
+void UnitState::uses(Global& global, Type type, bool declared)
+{
+    for (Unit::UsedGlobal& u : unit->globals)
+        if (u.global == &global)
+        {
+            unit->reusable &= u.type == type;
+            u.declared |= declared;
+            return;
+        }
+    unit->globals.push_back({&global, type, declared});
+}
+
 Variable& Codegen::bind(Global& g)
 {
     auto [it, fresh] = globals_.try_emplace(&g);
@@ -193,6 +258,7 @@ Variable& Codegen::bind(Global& g)
     {
         it->second = {g.type, newRegister(g.type), int(fn_->bound.size())};
         fn_->bound.push_back({&g, g.type, it->second.reg, false});
+        unit_.uses(g, g.type, false);
     }
     return it->second;
 }
@@ -251,6 +317,8 @@ void Codegen::declare(const Node* decl, const Node* v)
     const bool known = global && symbols().global(v->text);
     Variable   var = global ? declareGlobal(v, v->text, v->type) : declareLocal(v, v->text, v->type);
     offset_ = v->offset;
+    if (global && size && size->kind == Kind::kIntLit && v->type != Type::kMatrix)
+        number(size);   // has no effect, so no code depends on it
     if (v->type == Type::kMatrix)
     {
         if (!known)
@@ -520,7 +588,7 @@ std::shared_ptr<const Function> Codegen::topStatement(const Node* n, bool wantRe
     {
         const auto body = Codegen(unit_, n->text, false).procedure(n);
         emit(OP_DEFP, 0, 0, 0, 0);
-        fn_->procs.emplace_back(unit_.procs[n->text].slot, body);
+        procs_.emplace_back(unit_.procs[n->text].slot, body);
     }
     else if (wantResult && n->kind == Kind::kExprStmt && !(n->kids[0]->kind == Kind::kIncrement))
     {
@@ -575,11 +643,11 @@ void declareProcs(UnitState& state, const std::vector<Node*>& nodes)
 
 }  // namespace
 
-std::shared_ptr<const Unit> compile(std::shared_ptr<const Source> source)
+std::shared_ptr<const Unit> compile(std::shared_ptr<const Source> source, std::vector<Literal>& literals)
 {
     Arena                    arena;
     const std::vector<Node*> nodes = parse(*source, arena);
-    UnitState                state{source, std::make_shared<Unit>(), {}, {}, {}};
+    UnitState                state{source, std::make_shared<Unit>(), {}, {}, {}, literals};
     declareProcs(state, nodes);
     size_t last = nodes.size();
     while (last > 0 && nodes[last - 1]->kind == Kind::kEmpty)
@@ -600,7 +668,7 @@ std::shared_ptr<const Unit> compile(std::shared_ptr<const Source> source)
     }
     for (auto& [global, before] : state.replaced)
         Symbols::drop(before);
-    state.unit->hasResult = !state.unit->statements.empty() && state.unit->statements.back()->returns != Type::kVoid;
+    state.unit->hasResult = !state.unit->statements.empty() && state.unit->statements.back()->body->returns != Type::kVoid;
     return state.unit;
 }
 

@@ -174,7 +174,7 @@ Operand Codegen::converted(const Node* at, Operand o, Type t)
         fail(at, o.type == Type::kVoid ? std::string("Cannot use data of type void in this context.")
                                        : std::string("Cannot convert data of type ") + typeName(o.type) + " to type " + typeName(t) + ".");
     if (o.constant && o.type == Type::kInt && t == Type::kFloat)
-        return floatConstant(o.number);
+        return o.literal >= 0 ? parameter(size_t(o.literal), t, o.negate) : floatConstant(o.number);
     const Operand out = temp(t);
     if (o.type == Type::kEmptyArray)
     {
@@ -230,8 +230,8 @@ Operand Codegen::expression(const Node* n)
     Operand o;
     switch (n->kind)
     {
-    case Kind::kIntLit:    o = n->number > 2147483647.0 ? floatConstant(n->number) : intConstant(int32_t(n->number)); break;
-    case Kind::kFloatLit:  o = floatConstant(n->number); break;
+    case Kind::kIntLit:
+    case Kind::kFloatLit:  o = number(n); break;
     case Kind::kStrLit:    o = textConstant(n->text); break;
     case Kind::kVar:       o = variable(n); break;
     case Kind::kIndex:     o = index(n); break;

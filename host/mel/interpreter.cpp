@@ -2,11 +2,10 @@
 
 #include <filesystem>
 #include <fstream>
-#include <list>
 #include <sstream>
 
 #include "command/message.h"
-#include "mel/compiler.h"
+#include "mel/cache.h"
 #include "mel/machine.h"
 #include "mel/native.h"
 #include "mel/symbols.h"
@@ -17,77 +16,6 @@ namespace {
 
 Sinks                    g_sinks;
 std::vector<std::string> g_scriptPath;
-
-constexpr size_t kCachedTexts = 256;
-constexpr size_t kCachedLength = 1 << 18;   // a longer text is a file that is read once
-
-/// Compiled texts, least recently used last. The same text runs again without being compiled again.
-class Cache
-{
-public:
-    std::shared_ptr<const Unit> find(std::string_view name, std::string_view text)
-    {
-        if (epoch_ != symbols().epoch)
-            forget();
-        auto it = index_.find(key(name, text));
-        if (it == index_.end() || it->second->source->text != text || it->second->source->name != name)
-            return nullptr;
-        order_.splice(order_.begin(), order_, it->second);
-        return it->second->unit;
-    }
-
-    void add(std::shared_ptr<const Source> source, std::shared_ptr<const Unit> unit)
-    {
-        if (source->text.size() > kCachedLength)
-            return;
-        if (epoch_ != symbols().epoch)
-            forget();
-        const size_t k = key(source->name, source->text);
-        if (auto it = index_.find(k); it != index_.end())
-        {
-            order_.erase(it->second);
-            index_.erase(it);
-        }
-        order_.push_front({k, std::move(source), std::move(unit)});
-        index_[k] = order_.begin();
-        if (order_.size() > kCachedTexts)
-        {
-            index_.erase(order_.back().key);
-            order_.pop_back();
-        }
-    }
-
-private:
-    struct Entry
-    {
-        size_t                        key;
-        std::shared_ptr<const Source> source;
-        std::shared_ptr<const Unit>   unit;
-    };
-
-    static size_t key(std::string_view name, std::string_view text)
-    {
-        const std::hash<std::string_view> hash;
-        return hash(text) * 31 + hash(name);
-    }
-
-    void forget()
-    {
-        order_.clear();
-        index_.clear();
-        epoch_ = symbols().epoch;
-    }
-
-    std::list<Entry>                                       order_;
-    std::unordered_map<size_t, std::list<Entry>::iterator> index_;
-    uint64_t                                               epoch_ = 0;
-};
-
-Cache& cache()
-{
-    static Cache* one = new Cache;
-    return *one;
-}
 
 bool sourceByName(const std::string& name)
 {
@@ -122,13 +50,20 @@ Value run(std::string_view text, std::string_view name, bool isFile)
     m.findScript = sourceByName;
     if (m.depth == 0)
         m.interruptFlag = false;
-    std::shared_ptr<const Unit> unit = cache().find(name, text);
-    if (!unit)
+    std::shared_ptr<const Unit> unit;
+    if (text.size() >= UINT32_MAX / 2)
+        throw errorAt({std::string(name), "", isFile}, 0, "The text is too long.");
+    try
     {
-        auto source = std::make_shared<Source>(Source{std::string(name), std::string(text), isFile});
-        if (text.size() >= UINT32_MAX / 2)
-            throw errorAt({std::string(name), "", isFile}, 0, "The text is too long.");
-        guarded(*source, [&] { cache().add(source, unit = compile(source)); return Value(); });
+        unit = cache().get(name, text, isFile);
+    }
+    catch (const ScriptError&)
+    {
+        throw;
+    }
+    catch (const std::exception& e)
+    {
+        throw errorAt({std::string(name), std::string(text), isFile}, 0, e.what());
     }
     Value result;
     for (const auto& statement : unit->statements)

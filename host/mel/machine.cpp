@@ -8,6 +8,7 @@
 #include "mel/dynamic.h"
 #include "mel/interpreter.h"
 #include "mel/native.h"
+#include "mel/native_tier.h"
 #include "mel/symbols.h"
 
 namespace mirk::mel {
@@ -20,6 +21,7 @@ namespace {
 constexpr size_t kStackSlots = size_t(1) << 22;   // 32 MB, mapped as it is used
 constexpr size_t kMaxFrames = 50000;
 constexpr int    kMaxDepth = 100;                 // entries from outside use the native stack
+constexpr int    kHotTurns = 1000, kHotCalls = 500;
 
 int32_t wrap(int64_t v) { return int32_t(uint32_t(uint64_t(v))); }
 double  length(const Vec3& v) { return std::sqrt(v.x * v.x + v.y * v.y + v.z * v.z); }
@@ -47,7 +49,7 @@ void Machine::push(std::shared_ptr<const Function> f)
     Slot* base = top_;
     std::copy(f->start.begin(), f->start.end(), base);
     top_ += need;
-    const Function& fn = *f;
+    const Body& fn = *f->body;
     frames_.push_back({std::move(f), base, fn.code.data()});
     if (!fn.bound.empty())
         readGlobals(frames_.back());
@@ -56,7 +58,7 @@ void Machine::push(std::shared_ptr<const Function> f)
 void Machine::pop()
 {
     const Frame& f = frames_.back();
-    for (uint16_t r : f.function->heap)
+    for (uint16_t r : f.function->body->heap)
         release(f.base[r].p);
     top_ = f.base;
     frames_.pop_back();
@@ -67,7 +69,7 @@ void Machine::writeGlobals(Frame& f)
     if (f.written)
         return;
     f.written = true;
-    for (const Bound& b : f.function->bound)
+    for (const Bound& b : f.function->body->bound)
     {
         if (!b.written || isArray(b.type))
             continue;
@@ -84,7 +86,7 @@ void Machine::writeGlobals(Frame& f)
 void Machine::readGlobals(Frame& f)
 {
     f.written = false;
-    for (const Bound& b : f.function->bound)
+    for (const Bound& b : f.function->body->bound)
     {
         Slot* to = f.base + b.reg;
         if (b.global->type != b.type)
@@ -109,7 +111,7 @@ Value Machine::call(std::shared_ptr<const Function> f, std::span<const Value> ar
         ~Level() { --d; }
         int& d;
     } level(depth);
-    const Function& fn = *f;
+    const Body& fn = *f->body;
     if (args.size() != fn.params.size())
         throw Error("Wrong number of arguments on call to " + fn.name + ".");
     Value result;
@@ -175,7 +177,7 @@ void Machine::callSlow(const Site& site, Slot* registers, uint16_t out)
 
 void Machine::callProc(const Site& site, Frame& caller)
 {
-    const Function& fn = *site.proc->function;
+    const Body& fn = *site.proc->function->body;
     Slot* const     from = caller.base;
     push(site.proc->function);
     Slot* const to = frames_.back().base;
@@ -202,6 +204,14 @@ void Machine::callProc(const Site& site, Frame& caller)
     }
 }
 
+/// Whether to try machine code at the start of a frame.
+bool Machine::entersNative(const Body& body)
+{
+    if (!body.native && (body.nativeTried || ++body.calls < kHotCalls || !nativeCode(body, interruptFlag)))
+        return false;
+    return true;
+}
+
 // ---- errors
 
 /// Finds who catches the error that is in flight, and puts it to the right place; otherwise removes the frames down to
@@ -211,8 +221,8 @@ void Machine::handle(size_t bottom)
     bool                 stop = false;
     std::optional<ScriptError> error;
     const Frame&         f = frames_.back();
-    const size_t         at = size_t(f.ip - f.function->code.data());
-    const auto located = [&](const std::string& text) { return errorAt(*f.function->source, f.function->offsets[at], text); };
+    const size_t         at = size_t(f.ip - f.function->body->code.data());
+    const auto located = [&](const std::string& text) { return errorAt(*f.function->source, f.function->offset(at), text); };
     try
     {
         throw;
@@ -233,7 +243,7 @@ void Machine::handle(size_t bottom)
     for (; frames_.size() > bottom; pop())
     {
         Frame&       frame = frames_.back();
-        const size_t pc = size_t(frame.ip - frame.function->code.data());
+        const size_t pc = size_t(frame.ip - frame.function->body->code.data());
         try
         {
             writeGlobals(frame);
@@ -244,12 +254,12 @@ void Machine::handle(size_t bottom)
         }
         if (stop)
             continue;
-        for (const Handler& h : frame.function->handlers)
+        for (const Handler& h : frame.function->body->handlers)
             if (pc >= h.from && pc < h.to)
             {
                 readGlobals(frame);
                 frame.base[h.result].i = 1;
-                frame.ip = frame.function->code.data() + h.target;
+                frame.ip = frame.function->body->code.data() + h.target;
                 if (!h.quiet)
                     message(Severity::kError, error->what());
                 return;
@@ -279,7 +289,7 @@ void Machine::checkInterrupt()
     if (!interruptFlag.exchange(false))
         return;
     const Frame& f = frames_.back();
-    ScriptError  e = errorAt(*f.function->source, f.function->offsets[size_t(f.ip - f.function->code.data())], "Interrupted.");
+    ScriptError  e = errorAt(*f.function->source, f.function->offset(size_t(f.ip - f.function->body->code.data())), "Interrupted.");
     e.interrupted = true;
     throw e;
 }
@@ -295,10 +305,19 @@ void Machine::execute(size_t bottom, Value& result)
 #undef X
     };
 
-    const Instr* ip;
-    Slot*        r;
-    const Instr* code;
-    const Site*  sites;
+    // taken in place of the labels for one instruction, whatever it is
+    static const void* const traps[] = {
+#define X(name) &&L_enterNative,
+        MIRK_MEL_OPS(X)
+#undef X
+    };
+
+    const Instr*       ip;
+    Slot*              r;
+    const Instr*       code;
+    const Site*        sites;
+    const void* const* table = labels;
+    int32_t            turns = kHotTurns;
 
 #define LOAD_FRAME()                                  \
     do                                                \
@@ -306,14 +325,14 @@ void Machine::execute(size_t bottom, Value& result)
         const Frame& f_ = frames_.back();             \
         ip = f_.ip;                                   \
         r = f_.base;                                  \
-        code = f_.function->code.data();              \
-        sites = f_.function->sites.data();            \
+        code = f_.function->body->code.data();              \
+        sites = f_.function->body->sites.data();            \
     } while (0)
 #define A r[ip->a]
 #define B r[ip->b]
 #define C r[ip->c]
 #define SAVE() (frames_.back().ip = ip)
-#define GO() goto* labels[ip->op]
+#define GO() goto* table[ip->op]
 #define NEXT()   \
     do           \
     {            \
@@ -324,10 +343,19 @@ void Machine::execute(size_t bottom, Value& result)
     do                                                                                \
     {                                                                                 \
         const Instr* to_ = code + ip->i;                                              \
-        if (to_ <= ip && interruptFlag.load(std::memory_order_relaxed)) [[unlikely]]  \
+        if (to_ <= ip)                                                                \
         {                                                                             \
-            SAVE();                                                                   \
-            checkInterrupt();                                                         \
+            if (interruptFlag.load(std::memory_order_relaxed)) [[unlikely]]           \
+            {                                                                         \
+                SAVE();                                                               \
+                checkInterrupt();                                                     \
+            }                                                                         \
+            if (--turns <= 0) [[unlikely]]                                            \
+            {                                                                         \
+                turns = kHotTurns;                                                    \
+                if (nativeCode(*frames_.back().function->body, interruptFlag))        \
+                    table = traps;                                                    \
+            }                                                                         \
         }                                                                             \
         ip = to_;                                                                     \
         GO();                                                                         \
@@ -341,7 +369,31 @@ void Machine::execute(size_t bottom, Value& result)
     } while (0)
 
     LOAD_FRAME();
+    if (frames_.back().function->body->native)
+        table = traps;
     GO();
+
+// Goes on in machine code if there is some for this place. It comes back at an instruction that is run here; behind that
+// one it may be entered again.
+L_enterNative:
+{
+    table = labels;
+    const NativeCode* native = frames_.back().function->body->native.get();
+    if (!native || !nativeEnabled())
+        GO();
+    const void* at = native->entries[size_t(ip - code)];
+    if (!at)
+    {
+        turns = 1;   // at the next turn of a loop, then
+        GO();
+    }
+    for (const auto& [type, reg] : native->arrays)
+        if (!r[reg].p)
+            freshArray(type, r[reg], 0);
+    ip = code + native->run(r, at);
+    table = traps;
+    goto* labels[ip->op];
+}
 
 L_MOV:  A = B; NEXT();
 L_MOVV: putVec(&A, vec(&B)); NEXT();
@@ -538,17 +590,18 @@ L_CALLP:
         checkInterrupt();
     Frame&      f = frames_.back();
     const Site& site = sites[ip->i];
-    if (!f.function->bound.empty())
+    if (!f.function->body->bound.empty())
         writeGlobals(f);
     const Function* callee = site.proc->function.get();
-    if (callee && callee->signature == site.signature) [[likely]]
+    if (callee && callee->body->signature == site.signature) [[likely]]
     {
         callProc(site, f);
         LOAD_FRAME();
+        table = entersNative(*callee->body) ? traps : labels;
         GO();
     }
     callSlow(site, r, ip->a);
-    if (!frames_.back().function->bound.empty())
+    if (!frames_.back().function->body->bound.empty())
         readGlobalsKeeping(site.result, ip->a);
     NEXT();
 }
@@ -557,7 +610,7 @@ L_CALLD:
     SAVE();
     if (interruptFlag.load(std::memory_order_relaxed)) [[unlikely]]
         checkInterrupt();
-    const bool globals = !frames_.back().function->bound.empty();
+    const bool globals = !frames_.back().function->body->bound.empty();
     if (globals)
         writeGlobals(frames_.back());
     Value v = callDynamic(sites[ip->i], r);
@@ -570,7 +623,7 @@ L_CALLN:
 {
     SAVE();
     const Site& site = sites[ip->i];
-    const bool  globals = site.native->runsScript && !frames_.back().function->bound.empty();
+    const bool  globals = site.native->runsScript && !frames_.back().function->body->bound.empty();
     if (globals)
         writeGlobals(frames_.back());
     NativeCall c(r, site, ip->a);
@@ -584,7 +637,7 @@ L_RETV:
 {
     Frame&          f = frames_.back();
     SAVE();
-    const Function& fn = *f.function;
+    const Body& fn = *f.function->body;
     if (!fn.bound.empty())
         writeGlobals(f);
     const bool  gives = ip->op == OP_RET;
@@ -606,12 +659,14 @@ L_RETV:
     }
     Frame&         caller = frames_[frames_.size() - 2];
     const uint16_t out = caller.ip->a;
-    if (!caller.function->bound.empty())
+    if (!caller.function->body->bound.empty())
         readGlobals(caller);
     if (type != Type::kVoid)
         giveResult(type, caller.base + out, gives ? value : nullptr);
     pop();
     LOAD_FRAME();
+    if (frames_.back().function->body->native)
+        table = traps;
     NEXT();
 }
 L_DEFP:

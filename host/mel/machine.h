@@ -40,6 +40,7 @@ private:
     void  run(size_t bottom, Value& result);
     void  execute(size_t bottom, Value& result);
     void  callProc(const Site& site, Frame& caller);
+    bool  entersNative(const Body& body);
     void  handle(size_t bottom);
     void  readGlobalsKeeping(Type result, uint16_t reg);
     static void giveResult(Type type, Slot* out, Slot* value);

@@ -62,6 +62,9 @@ struct Array : Heap
     virtual void   clear() = 0;
 };
 
+/// Where machine code finds the parts of an array, in bytes from the object's start.
+struct ArrayLayout { int32_t data, size, writable; };
+
 /// Array of plain values on a shared copy-on-write buffer. An array is one object from its declaration on, which is how
 /// procedures get it by reference; assignment shares the buffer.
 template <class T>
@@ -82,18 +85,10 @@ public:
 
     void set(int64_t i, T value)
     {
-        if (size_t(i) < n_ && own_)
+        if (size_t(i) < writable_)
             data_[i] = value;
         else
             setSlow(i, value);
-    }
-
-    /// For reading and writing in place.
-    T& ref(int64_t i)
-    {
-        if (size_t(i) >= n_ || !own_)
-            setSlow(i, get(i));
-        return data_[i];
     }
 
     void push(T value) { set(int64_t(n_), value); }
@@ -104,7 +99,7 @@ public:
     /// The buffer to share; whoever writes first copies.
     Ref<Buffer<T>> share()
     {
-        own_ = false;
+        writable_ = 0;
         if (!buffer_)
             buffer_ = make<Buffer<T>>();
         return buffer_;
@@ -113,31 +108,38 @@ public:
     void adopt(Ref<Buffer<T>> b)
     {
         buffer_ = std::move(b);
-        own_ = buffer_ && buffer_->unique();
-        sync();
+        sync(buffer_ && buffer_->unique());
     }
 
     void swap(PlainArray& o)
     {
         std::swap(buffer_, o.buffer_);
-        std::swap(own_, o.own_);
-        sync();
-        o.sync();
+        const bool own = writable_ == n_;
+        sync(o.writable_ == o.n_);
+        o.sync(own);
     }
 
     /// Room for `n` elements without a change of size.
     void reserve(size_t n)
     {
         detach(buffer_).reserve(n);
-        own_ = true;
-        sync();
+        sync(true);
+    }
+
+    static ArrayLayout layout()
+    {
+        const PlainArray  a;
+        const char* const start = reinterpret_cast<const char*>(static_cast<const Heap*>(&a));
+        const auto        at = [&](const void* member) { return int32_t(static_cast<const char*>(member) - start); };
+        return {at(&a.data_), at(&a.n_), at(&a.writable_)};
     }
 
 private:
-    void sync()
+    void sync(bool own)
     {
         n_ = buffer_ ? buffer_->size() : 0;
         data_ = buffer_ ? buffer_->data() : nullptr;
+        writable_ = own ? n_ : 0;
     }
 
     void setSlow(int64_t i, T value)
@@ -145,7 +147,6 @@ private:
         if (i < 0 || size_t(i) >= kMaxElements)
             badIndex(i);
         Buffer<T>& b = detach(buffer_);
-        own_ = true;
         if (size_t(i) == b.size())
             b.push(value);
         else
@@ -153,18 +154,20 @@ private:
             const size_t old = b.size();
             if (size_t(i) > old)
             {
+                if (size_t(i) >= b.capacity())
+                    b.reserve(std::max(size_t(i) + 1, b.capacity() * 2));
                 b.resize(size_t(i) + 1);
                 for (size_t k = old; k < size_t(i); ++k)
                     b[k] = T();
             }
             b[size_t(i)] = value;
         }
-        sync();
+        sync(true);
     }
 
     T*             data_ = nullptr;
     size_t         n_ = 0;
-    bool           own_ = false;   ///< nobody shares the buffer as far as we know
+    size_t         writable_ = 0;   ///< n_ while nobody shares the buffer as far as we know, else 0
     Ref<Buffer<T>> buffer_;
 };
 

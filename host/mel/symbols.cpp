@@ -1,5 +1,7 @@
 #include "mel/symbols.h"
 
+#include "mel/native_tier.h"
+
 namespace mirk::mel {
 
 Symbols& symbols()
@@ -60,7 +62,6 @@ Global Symbols::retype(Global& global, Type type, bool keepValue)
         Global old = before;
         fromValue(toValue(old.type, old.value), type, global.value);
     }
-    ++epoch;
     return before;
 }
 
@@ -68,7 +69,6 @@ void Symbols::restore(Global& global, const Global& before)
 {
     drop(global);
     global = before;
-    ++epoch;
 }
 
 ProcSlot& Symbols::proc(const std::string& name)
@@ -114,11 +114,21 @@ ProcSlot& Symbols::local(const std::string& name)
 
 ProcSlot* Symbols::findInteractive(std::string_view name) const { return look(interactive_, name); }
 
-Function::~Function()
+Body::Body() = default;
+
+Body::~Body()
 {
     for (Str* s : texts)
         release(s);
 }
+
+uint32_t Shifts::moved(uint32_t offset) const
+{
+    const size_t k = size_t(std::lower_bound(begins.begin(), begins.end(), offset) - begins.begin());
+    return k ? uint32_t(int64_t(offset) + behind[k - 1]) : offset;
+}
+
+Type heldType(const Global& g) { return g.type == Type::kDyn && g.value[0].p ? typeOf(static_cast<Dyn*>(g.value[0].p)->v) : g.type; }
 
 uint64_t signatureOf(Type returns, const std::vector<Type>& params)
 {

@@ -27,7 +27,7 @@ public:
     /// A procedure of one file. Kept for good: other procedures may call it as long as they live.
     ProcSlot& local(const std::string& name);
 
-    /// Changes whenever compiled text may have become stale.
+    /// Changes when a name that compiled texts took for a built-in function becomes a procedure.
     uint64_t epoch = 0;
 
 private:
@@ -50,5 +50,8 @@ private:
 };
 
 Symbols& symbols();
+
+/// The type of what a variable holds.
+Type heldType(const Global& global);
 
 }  // namespace mirk::mel

@@ -5,6 +5,7 @@
 
 #include "mesh/api.h"
 #include "mesh/target.h"
+#include "mesh/uv_place.h"
 
 using namespace mirk;
 
@@ -279,6 +280,46 @@ MStatus MFnMesh::clearUVs(const MString* name)
     s.uvs = make<Buffer<F2>>();
     s.ids = nullptr;
     target_->changed();
+    return MS::kSuccess;
+}
+
+// places
+
+MStatus MFnMesh::getPointAtUV(int face, MPoint& point, float2& uv, MSpace::Space space, const MString* name,
+                              float tolerance) const
+{
+    const MeshBody* b = read();
+    const UVSet* set = setOf(b, name);
+    if (!set || !within(face, b->faceCount()))
+        return missing(b);
+    const Topology& t = b->topology();
+    for (int c = t.first(face); c < t.first(face + 1); ++c)
+        if (set->id(c) < 0)
+            return MS::kFailure;
+
+    const int*  corners = b->triangles().data() + 3 * firstTriangle(t, face);
+    const int   count = t.faceSize(face) - 2;
+    UVPlace     best;
+    int         bestTriangle = -1;
+    for (int k = 0; k < count && best.distanceSq > 0; ++k) {
+        const int*    c = corners + 3 * k;
+        const UVPlace place = placeInTriangle({uv[0], uv[1]}, (*set->uvs)[set->id(c[0])], (*set->uvs)[set->id(c[1])],
+                                              (*set->uvs)[set->id(c[2])]);
+        if (place.distanceSq < best.distanceSq) {
+            best = place;
+            bestTriangle = k;
+        }
+    }
+    if (bestTriangle < 0 || !(best.distanceSq <= double(tolerance) * tolerance))
+        return MS::kFailure;
+    double p[3] = {};
+    for (int k = 0; k < 3; ++k) {
+        const float* vertex = b->points() + 3 * size_t(t.connects()[corners[3 * bestTriangle + k]]);
+        for (int d = 0; d < 3; ++d)
+            p[d] += best.weights[k] * vertex[d];
+    }
+    target_->matrix(space, *b).pointOut(p, p);
+    point = MPoint(p[0], p[1], p[2]);
     return MS::kSuccess;
 }
 

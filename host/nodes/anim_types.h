@@ -4,5 +4,6 @@
 namespace mirk::nodes {
 
 void registerRemapValue();
+void registerSetTypes();
 
 }  // namespace mirk::nodes

@@ -3,6 +3,7 @@
 
 #include <maya/MTime.h>
 
+#include "anim/curve_node.h"
 #include "api/playback.h"
 #include "command/registry.h"
 #include "dag/dag.h"
@@ -115,6 +116,8 @@ void registerBuiltinNodes()
     nodes::registerPolygonMakers();
     nodes::registerNurbsMakers();
     nodes::registerRemapValue();
+    anim::registerCurveTypes();
+    nodes::registerSetTypes();
     scene().onRemoved = selection::dropNode;
 }
 

@@ -134,6 +134,7 @@ MStatus initJoint()
 {
     MObject jo = triple("jointOrient", "jo", Unit::kAngle), ssc = number("segmentScaleCompensate", "ssc", Number::kBoolean, 1);
     MObject inverse = triple("inverseScale", "is", Number::kDouble, 1);
+    add({number("jointTypeX", "jtx", Number::kBoolean, 1), number("jointTypeY", "jty", Number::kBoolean, 1), number("jointTypeZ", "jtz", Number::kBoolean, 1)});
     add({jo, ssc, inverse, unit("radius", "radi", Unit::kDistance, 1, kChannel), number("drawStyle", "ds", Number::kShort),
          choice("type", "typ", 0, {"None", "Root", "Hip", "Knee", "Foot"}), choice("side", "sd", 3, {"Center", "Left", "Right", "None"}),
          matrix("bindPose", "bps"), number("lockInfluenceWeights", "liw", Number::kBoolean),

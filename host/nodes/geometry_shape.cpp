@@ -27,6 +27,26 @@ bool anyOffset(const Elements& offsets)
     });
 }
 
+/// The object groups that sets gave the shape, over those that came in under the same number.
+void addGroups(Node& node, GeometryBody& body)
+{
+    Cell* instances = node.cellIfAny(dagAttrs().instObjGroups);
+    Cell* first = instances ? instances->elementIfAny(0) : nullptr;
+    Cell* groups = first ? first->childIfAny(0) : nullptr;
+    for (size_t i = 0; groups && i < groups->elementCount(); ++i) {
+        Cell* members = groups->elements->cells[i]->child(0);
+        Cell* id = groups->elements->cells[i]->child(1);
+        eval::pull(*members);
+        eval::pull(*id);
+        const auto* list = dynamic_cast<ComponentListData*>(members->data());
+        if (!list || list->list.empty() || id->number() <= 0)
+            continue;
+        const unsigned wanted = unsigned(id->number());
+        std::erase_if(body.groups, [&](const GeometryBody::Group& g) { return g.id == wanted; });
+        body.groups.push_back({wanted, list->list.front()});
+    }
+}
+
 }  // namespace
 
 Data* GeometryShape::source()
@@ -56,6 +76,7 @@ bool GeometryShape::compute(Cell& out)
         eval::pullDeep(*offsets);
         if (offsets->elements && anyOffset(*offsets->elements))
             addOffsets(geometry, *offsets->elements);
+        addGroups(*this, geometry.geometry());
         out.setData(data);
         return true;
     }

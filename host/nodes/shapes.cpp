@@ -145,6 +145,7 @@ void connectGeometry(const MObject& input, const MObject& stored, const MObject&
     const DagAttrs& d = dagAttrs();
     affects({input, stored, offsets}, {local, world, base(d.boundingBox), base(d.center)});
     affects({base(d.worldMatrix)}, {world});
+    affects({base(d.instObjGroups)}, {local, world});
 }
 
 MStatus initControlPoint()

@@ -14,6 +14,10 @@
 #include <maya/MVector.h>
 #include <maya/MVectorArray.h>
 
+#include <algorithm>
+
+#include "core/node.h"
+
 static_assert(sizeof(MVector) == 3 * sizeof(double) && sizeof(MPoint) == 4 * sizeof(double));
 
 namespace {
@@ -86,6 +90,44 @@ ArrayView viewArray(MDataBlock& block, const MObject& attribute)
     return viewArray(block.inputValue(attribute).data());
 }
 
+ArrayView viewArray(MDataBlock& block, const MObject& attribute, std::initializer_list<MFn::Type> kinds)
+{
+    ArrayView array = viewArray(block, attribute);
+    return array.isOneOf(kinds) ? array : ArrayView();
+}
+
+bool ArrayView::isOneOf(std::initializer_list<MFn::Type> kinds) const
+{
+    return std::find(kinds.begin(), kinds.end(), kind) != kinds.end();
+}
+
+unsigned int flatStride(const ArrayView& array)
+{
+    return std::min(array.stride, 3u);
+}
+
+void flatten(const ArrayView& array, unsigned int first, unsigned int count, double* out)
+{
+    if (array.kind == MFn::kPointArrayData) {
+        const double* p = array.doubles + 4 * std::size_t(first);
+        for (unsigned int i = 0; i < count; ++i, p += 4, out += 3)
+            std::copy_n(p, 3, out);
+        return;
+    }
+    const std::size_t n = std::size_t(count) * array.stride;
+    withValues(array, [&](const auto* values) { std::copy_n(values + std::size_t(first) * array.stride, n, out); });
+}
+
+bool lengthFits(const MPlug& plug, std::size_t length, unsigned int stride)
+{
+    if (length <= kMaxValues / stride)
+        return true;
+    MString text = ": An array of ";
+    text += static_cast<double>(length);
+    warn(plug, text + " elements is too long.");
+    return false;
+}
+
 OutArray::OutArray(Kind kind) : kind_(kind), data_(newArray(kind)) {}
 
 double* OutArray::resize(unsigned int length)
@@ -114,4 +156,9 @@ float* OutArray::resizeFloats(unsigned int length)
 MStatus OutArray::publish(MDataBlock& block, const MObject& attribute) const
 {
     return block.outputValue(attribute).set(data_);
+}
+
+MStatus publishEmpty(MDataBlock& block, const MObject& attribute, OutArray::Kind kind)
+{
+    return OutArray(kind).publish(block, attribute);
 }

@@ -6,6 +6,7 @@
 #include <maya/MFnMatrixAttribute.h>
 #include <maya/MFnMessageAttribute.h>
 #include <maya/MFnNumericAttribute.h>
+#include <maya/MFnStringData.h>
 #include <maya/MFnTypedAttribute.h>
 #include <maya/MPxNode.h>
 #include <maya/MRampAttribute.h>
@@ -50,6 +51,14 @@ Row typed(MObject& attribute, const char* longName, const char* shortName, MFnDa
 Row text(MObject& attribute, const char* longName, const char* shortName, Role role)
 {
     return typed(attribute, longName, shortName, MFnData::kString, role);
+}
+
+Row text(MObject& attribute, const char* longName, const char* shortName, const std::string& value, Role role)
+{
+    MFnTypedAttribute fn;
+    MFnStringData     data;
+    attribute = fn.create(longName, shortName, MFnData::kString, data.create(value.c_str()));
+    return row(attribute, fn, role);
 }
 
 Row enumeration(MObject& attribute, const char* longName, const char* shortName, std::initializer_list<Field> fields,

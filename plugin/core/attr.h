@@ -37,6 +37,7 @@ extern const std::initializer_list<Field> kSubsetFields, kSpaceFields;
 Row numeric(MObject& attribute, const char* longName, const char* shortName, MFnNumericData::Type, double value, Role);
 Row typed(MObject& attribute, const char* longName, const char* shortName, MFnData::Type, Role);
 Row text(MObject& attribute, const char* longName, const char* shortName, Role);
+Row text(MObject& attribute, const char* longName, const char* shortName, const std::string& value, Role);
 Row enumeration(MObject& attribute, const char* longName, const char* shortName, std::initializer_list<Field> fields,
                 short value, Role);
 Row generic(MObject& attribute, const char* longName, const char* shortName,

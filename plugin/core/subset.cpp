@@ -5,6 +5,8 @@
 #include <maya/MFnSingleIndexedComponent.h>
 #include <maya/MPlugArray.h>
 
+#include <algorithm>
+
 namespace {
 
 /// The component list at the attribute; a source's value comes before the one held in the block.
@@ -68,4 +70,13 @@ MIntArray Subset::indices(unsigned int pointCount) const
         ids.setLength(inside);
     }
     return ids;
+}
+
+unsigned int Subset::componentCount(unsigned int pointCount) const
+{
+    MObject      component = component_;
+    MFnComponent fn;
+    if (all() || component.isNull() || fn.setObject(component) != MS::kSuccess || fn.isComplete())
+        return pointCount;
+    return static_cast<unsigned int>(std::max(0, fn.elementCount()));
 }

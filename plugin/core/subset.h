@@ -31,6 +31,8 @@ public:
     /// Indices of a single-indexed component in its own order up to the first one outside the geometry, which ends the
     /// list even if good ones follow. 0 to pointCount - 1 for kAll and for a complete component.
     MIntArray indices(unsigned int pointCount) const;
+    /// Elements of the component, points of the geometry or not. pointCount for kAll, a complete component, and none.
+    unsigned int componentCount(unsigned int pointCount) const;
 
 private:
     SubsetMode           mode_;

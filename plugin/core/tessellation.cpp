@@ -10,6 +10,10 @@ namespace {
 
 void run(const MString& command) { MGlobal::executeCommand(command, false, false); }
 
+} // namespace
+
+namespace tessellation {
+
 MString createNode(const char* type)
 {
     MString name;
@@ -17,10 +21,19 @@ MString createNode(const char* type)
     return name;
 }
 
-void set(const MString& node, const char* attributeAndValue) { run("setAttr " + node + attributeAndValue); }
-void connect(const MString& from, const MString& to) { run("connectAttr " + from + " " + to); }
+void set(const MString& node, const char* assignment) { run("setAttr " + node + assignment); }
+void connect(const MString& fromPlug, const MString& toPlug) { run("connectAttr " + fromPlug + " " + toPlug); }
+void deleteNodes(const MString& names) { run("delete " + names); }
 
-/// A private mesh data object with the tessellator's result. Null if there is none.
+MString createTessellator()
+{
+    const MString tessellator = createNode("nurbsTessellate");
+    set(tessellator, ".polygonType 1");
+    set(tessellator, ".format 3");
+    set(tessellator, ".matchNormalDir 1");
+    return tessellator;
+}
+
 MObject copyOfPolygon(const MString& tessellator)
 {
     MSelectionList list;
@@ -36,7 +49,9 @@ MObject copyOfPolygon(const MString& tessellator)
     return mesh;
 }
 
-} // namespace
+} // namespace tessellation
+
+using namespace tessellation;
 
 MObject tessellatedCurve(const MPlug& curve)
 {
@@ -49,27 +64,21 @@ MObject tessellatedCurve(const MPlug& curve)
     set(extrude, ".extrudeType 0");
     connect(rebuild + ".outputCurve ", extrude + ".profile");
 
-    const MString tessellator = createNode("nurbsTessellate");
-    set(tessellator, ".polygonType 1");
-    set(tessellator, ".format 3");
-    set(tessellator, ".matchNormalDir 1");
+    const MString tessellator = createTessellator();
     connect(extrude + ".outputSurface ", tessellator + ".inputSurface");
 
     const MObject mesh = copyOfPolygon(tessellator);
-    run("delete " + extrude + " " + tessellator + " " + rebuild);
+    deleteNodes(extrude + " " + tessellator + " " + rebuild);
     return mesh;
 }
 
 MObject tessellatedSurface(const MPlug& surface)
 {
-    const MString tessellator = createNode("nurbsTessellate");
-    set(tessellator, ".polygonType 1");
-    set(tessellator, ".format 3");
-    set(tessellator, ".matchNormalDir 1");
+    const MString tessellator = createTessellator();
     set(tessellator, ".normalizeTrimmedUVRange 0");
     connect(surface.name(), tessellator + ".inputSurface");
 
     const MObject mesh = copyOfPolygon(tessellator);
-    run("delete " + tessellator);
+    deleteNodes(tessellator);
     return mesh;
 }

@@ -8,6 +8,10 @@ import maya.cmds as mc
 ROLES = {'input': (False, False, True), 'control': (True, True, True), 'stored': (False, True, True),
          'output': (False, False, False)}
 
+# what stands below a ramp
+RAMPS = {'colorRamp': ('_Position', '_Color', '_ColorR', '_ColorG', '_ColorB', '_Interp'),
+         'curveRamp': ('_Position', '_FloatValue', '_Interp')}
+
 nodes = {}
 order = {}
 failures = []
@@ -18,15 +22,23 @@ def same(what, found, expected):
         failures.append('%s: %r, not %r' % (what, found, expected))
 
 
+def path(node, attribute):
+    """The attribute with what stands above it; of multis the first element."""
+    name = attribute
+    if mc.attributeQuery(attribute, node=node, multi=True):
+        name += '[0]'
+    parents = mc.attributeQuery(attribute, node=node, listParent=True)
+    return path(node, parents[0]) + '.' + name if parents else node + '.' + name
+
+
 def kind(node, attribute):
     """Attributes made by a typed function set tell their type by their value."""
     found = mc.attributeQuery(leaf(attribute), node=node, attributeType=True)
-    path = attribute.replace('.', '[0].', 1)              # the first element of a multi with children
-    return mc.getAttr(node + '.' + path, type=True) if found == 'typed' else found
+    return mc.getAttr(path(node, leaf(attribute)), type=True) if found == 'typed' else found
 
 
 def leaf(attribute):
-    """Rows under a multi are named with their parents, as listAttr names them."""
+    """Rows may name a child with its parents."""
     return attribute.split('.')[-1]
 
 
@@ -41,6 +53,9 @@ for nodeType, attribute, short, type, default, values, role in rows:
         nodes[nodeType] = mc.createNode(nodeType)
     node = nodes[nodeType]
     order.setdefault(nodeType, []).append(attribute)
+    if type in RAMPS:
+        order[nodeType] += [attribute + part for part in RAMPS[type]]
+        type = 'compound'
     what = nodeType + '.' + attribute
     if not mc.attributeQuery(leaf(attribute), node=node, exists=True):
         failures.append(what + ': there is no such attribute')
@@ -65,6 +80,7 @@ for nodeType, attribute, short, type, default, values, role in rows:
 
 for nodeType, expected in order.items():
     plain = set(mc.listAttr(mc.createNode('network')))
-    same(nodeType + ' in order', [name for name in mc.listAttr(nodes[nodeType]) if name not in plain], expected)
+    own = [name.split('.')[-1] for name in mc.listAttr(nodes[nodeType]) if name not in plain]   # children: parent.child
+    same(nodeType + ' in order', own, [leaf(name) for name in expected])
 
 sys.exit('\n'.join(failures) if failures else 0)

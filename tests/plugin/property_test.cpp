@@ -3,6 +3,8 @@
 #include <maya/MFnDependencyNode.h>
 #include <maya/MFnGenericAttribute.h>
 
+#include <functional>
+
 #include "graph/access.h"
 #include "graph/edit.h"
 #include "graph/node.h"
@@ -62,29 +64,38 @@ public:
             const Attribute& a = *type.table[slot];
             if (a.parent)
                 continue;
+            const Place top = [this, &a] { return node_->cell(&a); };
+            std::vector<Place> inputs;
             if (node_->isComputed(&a) || anyComputed(a))
-                leaves(*node_->cell(&a), outputs_);
+                leaves(top, outputs_);
             else if (affectsAnything(type, a) && a.is(Attribute::kWritable))
-                leaves(*node_->cell(&a), inputs_);
+                leaves(top, inputs);
+            for (const Place& input : inputs)
+                inputs_.push_back(input());
         }
         for (Cell* in : inputs_)
-            sources_.push_back(in->store() == mirk::Store::kData ? addSource() : nullptr);
+            sources_.push_back(takesData(*in) && in->attr->is(Attribute::kConnectable) ? addSource() : nullptr);
     }
 
     explicit operator bool() const { return node_ && !outputs_.empty(); }
     const std::vector<Cell*>& inputs() const { return inputs_; }
     Node&                     node() const { return *node_; }
-    bool                      takesData(size_t input) const { return sources_[input]; }
+    bool                      takesData(size_t input) const { return takesData(*inputs_[input]); }
 
     void connect(size_t input, bool wanted)
     {
+        if (!sources_[input])
+            return;
         Cell &from = *sources_[input], &to = *inputs_[input];
         if (wanted && !to.source)
             mirk::edit::connect(from, to);
         else if (!wanted && to.source)
             mirk::edit::disconnect(from, to);
     }
-    void give(size_t input, const Sample& s) { mirk::PlugAccess::make(*sources_[input]).setMObject(s.data); }
+    void give(size_t input, const Sample& s)
+    {
+        mirk::PlugAccess::make(sources_[input] ? *sources_[input] : *inputs_[input]).setMObject(s.data);
+    }
     void set(Cell& c, double v)
     {
         for (int i = 0; i < mirk::storeDimension(c.store()); ++i)
@@ -121,22 +132,29 @@ public:
             said += kind == mirk::message::kWarning || kind == mirk::message::kError;
         });
         bool failed = false;
-        for (Cell* out : outputs_) {
-            const MPlug   plug = mirk::PlugAccess::make(*out);
+        for (const Place& place : outputs_) {
+            Cell*         out = place();
+            const MPlug   plug = mirk::PlugAccess::make(*out);   // keeps the cell, even of an element that goes
             const MObject data = out->store() == mirk::Store::kData ? plug.asMObject() : (plug.asDouble(), MObject());
             touch(data);
             if (written && out->attr->kind == AttrKind::kTyped && isArray(out->attr->dataType) && data.isNull())
                 complain(what + ": " + out->attr->longName + " was not written");
-            failed = failed || out->is(Cell::kDirty);
+            failed = failed || (out->is(Cell::kDirty) && !out->is(Cell::kRemoved));
         }
         mirk::message::removeSink(sink);
         if (failed && written && said == 0)
             complain(what + ": failed without a word");
+        if (node_->type->name == "point")   // it leaves an extrude behind for each curve that it reads
+            run("string $left[] = `ls -type extrude`; if (size($left)) delete $left");
         if (mirk::scene().count() > 200)
             complain(what + ": left nodes behind");
     }
 
 private:
+    /// Where a cell is found: elements of outputs come and go.
+    using Place = std::function<Cell*()>;
+
+    static bool takesData(const Cell& c) { return c.store() == mirk::Store::kData; }
     static bool anyComputed(const Attribute& a)
     {
         return !a.is(Attribute::kWritable) && a.is(Attribute::kReadable) && !a.is(Attribute::kHidden);
@@ -157,16 +175,17 @@ private:
         return nullptr;
     }
     /// Cells that hold values: two elements of a multi, tuples as a whole.
-    static void leaves(Cell& c, std::vector<Cell*>& out)
+    static void leaves(const Place& place, std::vector<Place>& out)
     {
+        Cell& c = *place();
         if (c.isMulti()) {
-            leaves(*c.element(0), out);
-            leaves(*c.element(5), out);
+            leaves([place] { return place()->element(0); }, out);
+            leaves([place] { return place()->element(5); }, out);
         } else if (c.store() != mirk::Store::kNone) {
-            out.push_back(&c);
+            out.push_back(place);
         } else {
             for (size_t i = 0; i < c.attr->children.size(); ++i)
-                leaves(*c.child(i), out);
+                leaves([place, i] { return place()->child(i); }, out);
         }
     }
     /// An attribute that holds any data, so that connections let every kind through.
@@ -194,7 +213,8 @@ private:
     }
 
     Node *             node_ = nullptr, *source_ = nullptr;
-    std::vector<Cell*> inputs_, outputs_, sources_;
+    std::vector<Cell*> inputs_, sources_;
+    std::vector<Place> outputs_;
     int                complaints_ = 0;
 };
 
@@ -281,5 +301,5 @@ TEST_F(NodeInputs, NoneCrashesANode)
     }
     mirk::undo::setEnabled(true);
     run("file -force -new");
-    EXPECT_GE(nodes, 3);
+    EXPECT_GE(nodes, 23);
 }

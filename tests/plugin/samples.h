@@ -8,6 +8,7 @@
 #include <maya/MColor.h>
 #include <maya/MDoubleArray.h>
 #include <maya/MFloatArray.h>
+#include <maya/MFnArrayAttrsData.h>
 #include <maya/MFnComponentListData.h>
 #include <maya/MFnDoubleArrayData.h>
 #include <maya/MFnDoubleIndexedComponent.h>
@@ -270,6 +271,20 @@ inline void addComponents(std::vector<Sample>& out)
     add("complete", complete);
 }
 
+inline void addNamedArrays(std::vector<Sample>& out)
+{
+    MFnArrayAttrsData fn;
+    out.push_back({"no named array", MFnData::kDynArrayAttrs, fn.create()});
+    MObject data = fn.create();
+    fn.vectorArray("position").setLength(kPointCount);
+    for (int i = 0; i < kPointCount; ++i)
+        fn.vectorArray("position")[unsigned(i)] = MVector(i, -i, 0.5 * i);
+    fn.doubleArray("map1").append(std::numeric_limits<double>::quiet_NaN());
+    fn.intArray("id").setLength(0);
+    fn.stringArray("\xff\"`;$%s").append("a b");
+    out.push_back({"named arrays", MFnData::kDynArrayAttrs, data, true});
+}
+
 /// Everything; no data at all stands last.
 inline std::vector<Sample> all()
 {
@@ -280,6 +295,7 @@ inline std::vector<Sample> all()
     addCurves(out, r);
     addSurfaces(out, r);
     addComponents(out);
+    addNamedArrays(out);
     out.push_back({"text", MFnData::kString, MFnStringData().create("map1"), true});
     out.push_back({"odd text", MFnData::kString, MFnStringData().create("\xff \"`;$x%s%n\n")});
     out.push_back({"long text", MFnData::kString, MFnStringData().create(std::string(100000, 'x').c_str())});

@@ -26,9 +26,14 @@ public:
     bool             isClean(const MObject& attribute, MStatus* ReturnStatus = nullptr);
     bool             isClean(const MPlug& plug, MStatus* ReturnStatus = nullptr);
     MDGContext       context(MStatus* ReturnStatus = nullptr) const;
+    /// Inputs that are asked for from now on are read in `context`; the handles show copies, which live to the end of
+    /// the outermost compute. What is written through the block then is dropped.
+    MStatus          setContext(const MDGContext& context);
 
 private:
     friend struct mirk::HandleAccess;
     friend class MPlug;
     mirk::Node* node_ = nullptr;
+    double      seconds_ = 0;
+    enum : char { kAmbient, kNormal, kElsewhere } mode_ = kAmbient;
 };

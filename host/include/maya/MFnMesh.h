@@ -233,6 +233,10 @@ public:
     MStatus assignUV(int polygonId, int vertexIndex, int uvId, const MString* uvSet = nullptr);
     MStatus getAssignedUVs(MIntArray& uvCounts, MIntArray& uvIds, const MString* uvSet = nullptr) const;
     MStatus clearUVs(const MString* uvSet = nullptr);
+    /// The place on a polygon that has the UV. A UV off the polygon counts as one on its border if it is no further away
+    /// than `tolerance`, in UV units. kFailure, and the point stays, if it is not on the polygon or a corner has no UV.
+    MStatus getPointAtUV(int polygonId, MPoint& toThisPoint, float2& uvPoint, MSpace::Space space = MSpace::kObject,
+                         const MString* uvSet = nullptr, float tolerance = 0.0f) const;
     /// The shell of each UV, and how many there are. UVs used by no face are shells of their own.
     MStatus getUvShellsIds(MIntArray& uvShellIds, unsigned int& nbUvShells, const MString* uvSet = nullptr) const;
 

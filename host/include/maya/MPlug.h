@@ -102,6 +102,34 @@ public:
     MDistance asMDistance(MStatus* ReturnStatus = nullptr) const;
     MDataHandle asMDataHandle(MStatus* ReturnStatus = nullptr) const;
 
+    // the same in another context
+    MStatus getValue(bool& value, const MDGContext& context) const;
+    MStatus getValue(char& value, const MDGContext& context) const;
+    MStatus getValue(short& value, const MDGContext& context) const;
+    MStatus getValue(int& value, const MDGContext& context) const;
+    MStatus getValue(MInt64& value, const MDGContext& context) const;
+    MStatus getValue(float& value, const MDGContext& context) const;
+    MStatus getValue(double& value, const MDGContext& context) const;
+    MStatus getValue(MString& value, const MDGContext& context) const;
+    MStatus getValue(MObject& value, const MDGContext& context) const;
+    MStatus getValue(MTime& value, const MDGContext& context) const;
+    MStatus getValue(MAngle& value, const MDGContext& context) const;
+    MStatus getValue(MDistance& value, const MDGContext& context) const;
+    bool      asBool(const MDGContext& context, MStatus* ReturnStatus = nullptr) const;
+    char      asChar(const MDGContext& context, MStatus* ReturnStatus = nullptr) const;
+    short     asShort(const MDGContext& context, MStatus* ReturnStatus = nullptr) const;
+    int       asInt(const MDGContext& context, MStatus* ReturnStatus = nullptr) const;
+    MInt64    asInt64(const MDGContext& context, MStatus* ReturnStatus = nullptr) const;
+    float     asFloat(const MDGContext& context, MStatus* ReturnStatus = nullptr) const;
+    double    asDouble(const MDGContext& context, MStatus* ReturnStatus = nullptr) const;
+    MString   asString(const MDGContext& context, MStatus* ReturnStatus = nullptr) const;
+    MObject   asMObject(const MDGContext& context, MStatus* ReturnStatus = nullptr) const;
+    MTime     asMTime(const MDGContext& context, MStatus* ReturnStatus = nullptr) const;
+    MAngle    asMAngle(const MDGContext& context, MStatus* ReturnStatus = nullptr) const;
+    MDistance asMDistance(const MDGContext& context, MStatus* ReturnStatus = nullptr) const;
+    /// To be given to destructHandle.
+    MDataHandle asMDataHandle(const MDGContext& context, MStatus* ReturnStatus = nullptr) const;
+
     MStatus setValue(bool value);
     MStatus setValue(char value);
     MStatus setValue(short value);

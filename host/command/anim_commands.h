@@ -1,0 +1,10 @@
+// Commands on keys, sets and particles: one function a file of them.
+#pragma once
+
+namespace mirk::command {
+
+void registerKeyCommands();
+void registerKeyEditCommands();
+void registerSetCommands();
+
+}  // namespace mirk::command

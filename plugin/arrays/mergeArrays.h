@@ -1,0 +1,16 @@
+#pragma once
+#include <maya/MDataBlock.h>
+#include <maya/MPxNode.h>
+#include <maya/MTypeId.h>
+
+/// The weighted sum of any number of arrays, as long as the longest one.
+class mergeArrays : public MPxNode
+{
+public:
+    static inline MTypeId id{0x1157A9};
+    static void*   creator() { return new mergeArrays; }
+    static MStatus initialize();
+    MStatus compute(const MPlug& plug, MDataBlock& block) override;
+
+    static inline MObject aInArrays, aInArray, aMultiplier, aOutArray;
+};
