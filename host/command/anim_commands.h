@@ -6,5 +6,6 @@ namespace mirk::command {
 void registerKeyCommands();
 void registerKeyEditCommands();
 void registerSetCommands();
+void registerParticleCommands();
 
 }  // namespace mirk::command

@@ -28,6 +28,7 @@ void registerCommands()
     registerKeyCommands();
     registerKeyEditCommands();
     registerSetCommands();
+    registerParticleCommands();
 }
 
 }  // namespace mirk

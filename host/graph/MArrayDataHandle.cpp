@@ -114,7 +114,9 @@ MStatus MArrayDataHandle::jumpToElement(unsigned logical)
 {
     if (!cell_ || !cell_->elements || logical > unsigned(INT_MAX))
         return MS::kFailure;
-    const size_t place = cell_->elements->lowerBound(int(logical));
+    // in dense multis the element stands at its index
+    const Cell*  dense = at(cell_, logical);
+    const size_t place = dense && dense->index == int(logical) ? logical : cell_->elements->lowerBound(int(logical));
     Cell* c = at(cell_, unsigned(place));
     if (!c || c->index != int(logical))
         return MS::kFailure;

@@ -690,7 +690,10 @@ namespace {
 void takeOut(Cell& element)
 {
     Cell& multi = *element.parent;
-    std::erase(multi.elements->cells, &element);
+    auto&        cells = multi.elements->cells;
+    const size_t at = multi.elements->lowerBound(element.index);   // long multis are emptied from the end
+    if (at < cells.size() && cells[at] == &element)
+        cells.erase(cells.begin() + std::ptrdiff_t(at));
     if (eval::other::any())
         eval::other::forgetElement(element);
     walkCells(element, [](Cell& c) { c.flags |= Cell::kRemoved; });

@@ -8,6 +8,7 @@
 #include "command/registry.h"
 #include "dag/dag.h"
 #include "dag/selection_list.h"
+#include "dynamics/particle.h"
 #include "graph/edit.h"
 #include "graph/evaluate.h"
 #include "graph/scene.h"
@@ -118,6 +119,7 @@ void registerBuiltinNodes()
     nodes::registerRemapValue();
     anim::registerCurveTypes();
     nodes::registerSetTypes();
+    dynamics::registerTypes();
     scene().onRemoved = selection::dropNode;
 }
 

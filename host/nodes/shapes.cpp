@@ -9,6 +9,7 @@
 
 #include "dag/dag.h"
 #include "data/mobject.h"
+#include "dynamics/particle.h"
 #include "graph/access.h"
 #include "graph/edit.h"
 #include "graph/evaluate.h"
@@ -414,6 +415,8 @@ bool shapeBox(Node& node, double box[6])
             box[k] = corners[k / 3][k % 3];
         return box[0] <= box[3] && box[1] <= box[4] && box[2] <= box[5];
     }
+    if (dynamics::isParticle(node))
+        return dynamics::box(node, box);
     return node.type->isA("locator") && locatorBox(node, box);
 }
 

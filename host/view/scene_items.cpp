@@ -11,6 +11,7 @@
 #include <maya/MIntArray.h>
 
 #include "data/mobject.h"
+#include "dynamics/particle.h"
 #include "view/builders.h"
 #include "view/display_status.h"
 
@@ -211,6 +212,23 @@ void addLocator(Node& shape, const Matrix& matrix, const Look& look, DrawList& l
     place(crossItem(position, scale, state), matrix, list);
 }
 
+/// Points in the colours of rgbPP, if there are any.
+void addParticles(Node& shape, const Matrix& matrix, const Look& look, DrawList& list)
+{
+    Item item;
+    item.primitive = Primitive::kPoints;
+    item.state.id = look.id;
+    item.state.color = look.wireColor;
+    item.state.pointSize = float(attributeValue(shape, "pointSize", 2));
+    for (const MVector& p : dynamics::vectors(shape, "position"))
+        item.positions.insert(item.positions.end(), {float(p.x), float(p.y), float(p.z)});
+    const std::vector<MVector> colors = dynamics::vectors(shape, "rgbPP");
+    if (colors.size() * 3 == item.positions.size())
+        for (const MVector& c : colors)
+            item.colors.insert(item.colors.end(), {float(c.x), float(c.y), float(c.z), 1.f});
+    place(std::move(item), matrix, list);
+}
+
 }  // namespace
 
 bool addShapeItems(Node& shape, const Matrix& matrix, const Look& look, DrawList& list)
@@ -220,6 +238,8 @@ bool addShapeItems(Node& shape, const Matrix& matrix, const Look& look, DrawList
         case MFn::kNurbsCurve:   addCurve(shape, matrix, look, list); return true;
         case MFn::kNurbsSurface: addSurface(shape, matrix, look, list); return true;
         case MFn::kLocator:      addLocator(shape, matrix, look, list); return true;
+        case MFn::kParticle:
+        case MFn::kNParticle:    addParticles(shape, matrix, look, list); return true;
         default:                 return false;
     }
 }
