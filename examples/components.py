@@ -119,6 +119,16 @@ def mirror(geometry, box, size):
     return [(ROSE, sides[0]), (CLAY, sides[1])]
 
 
+def rounded(color):
+    return tuple(round(c, 2) for c in color)
+
+
+def colorsOf(shape):
+    """The different colours of the points of a mesh."""
+    flat = mc.polyColorPerVertex(shape + '.vtx[*]', query=True, rgb=True)
+    return {rounded(flat[i:i + 3]) for i in range(0, len(flat), 3)}
+
+
 def frame(width, height):
     """Puts the perspective camera in front of a row on the ground that begins at x = 0."""
     tilt, distance = math.radians(6.0), 1.02 * width
@@ -147,7 +157,11 @@ def main():
         shape = mc.createNode('mesh', name=select.__name__ + 'Shape', parent=centered)
         mc.connectAttr(result, shape + '.inMesh')
         mc.setAttr(shape + '.displayColors', True)
-        print('%s: %d selections painted' % (select.__name__, len(selections)))
+        seen = colorsOf(shape)
+        expected = {rounded(BODY)} | {rounded(color) for color, _ in selections}
+        print('%s: %d selections, %d colours' % (select.__name__, len(selections), len(seen)))
+        if seen != expected:
+            sys.exit('%s shows the colours %s, not %s' % (shape, sorted(seen), sorted(expected)))
     mc.setAttr(bunny + '.intermediateObject', True)
     frame(4 * 1.02 * size, box[1][1] - box[0][1])
 

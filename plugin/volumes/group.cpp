@@ -3,12 +3,16 @@
 #include <maya/MArrayDataHandle.h>
 #include <maya/MDataHandle.h>
 #include <maya/MFnIntArrayData.h>
+#include <maya/MFnParticleSystem.h>
 #include <maya/MFnSingleIndexedComponent.h>
+#include <maya/MFnVectorArrayData.h>
 #include <maya/MIntArray.h>
+#include <maya/MItDependencyGraph.h>
 #include <maya/MMatrix.h>
 #include <maya/MPlug.h>
 #include <maya/MTransformationMatrix.h>
 #include <maya/MVector.h>
+#include <maya/MVectorArray.h>
 
 #include <algorithm>
 #include <cmath>
@@ -143,6 +147,25 @@ Marks fromPoints(ComponentGeometry& geometry, const Marks& points)
     }
 }
 
+/// Velocities of particles: those at the input, else those of the particle shape that the geometry comes from. No array
+/// for other geometry, and if there are none.
+ArrayView particleVelocities(MDataBlock& block, const MPlug& inGeo, MFnData::Type geometry)
+{
+    if (geometry != MFnData::kVectorArray)
+        return {};
+    const ArrayView given = viewArray(block, group::aInVelocityPP);
+    if (given.kind == MFn::kVectorArrayData || given.kind == MFn::kDoubleArrayData)
+        return given;
+    MPlug              root = inGeo;
+    MItDependencyGraph upstream(root, MFn::kParticle, MItDependencyGraph::kUpstream, MItDependencyGraph::kDepthFirst,
+                                MItDependencyGraph::kNodeLevel);
+    if (upstream.isDone())
+        return {};
+    MVectorArray velocities;
+    MFnParticleSystem(upstream.currentItem()).velocity(velocities);
+    return viewArray(MFnVectorArrayData().create(velocities));
+}
+
 MStatus publishInts(MDataBlock& block, const MObject& attribute, const std::vector<int>& values)
 {
     OutArray array(OutArray::kInts);
@@ -171,9 +194,8 @@ MStatus group::compute(const MPlug& plug, MDataBlock& block)
     publishInts(block, aOutMirrorIds, {});
 
     const auto        space = block.inputValue(aCoordSystem).asShort() == 0 ? MSpace::kWorld : MSpace::kObject;   // work
-    const ArrayView   velocities = outGeo.type() == MFnData::kVectorArray ? viewArray(block, aInVelocityPP) : ArrayView();
     ComponentGeometry geometry(inGeo, outGeo, block.inputValue(aCompType).asShort(), space,
-                               block.inputValue(aUvSet).asString(), velocities);
+                               block.inputValue(aUvSet).asString(), particleVelocities(block, inGeo, outGeo.type()));
     if (geometry.refusal() == ComponentGeometry::kNoVelocities) {
         warn(plug, ": Cannot find particle shape node on the input. Please supply velocity data to the inVelocityPP "
                    "attribute.");

@@ -390,6 +390,19 @@ TEST_F(ComponentGroup, Particles)
     EXPECT_EQ(selected(), "ids 100");
 }
 
+TEST_F(ComponentGroup, VelocitiesOfTheParticleShapeUpstream)
+{
+    run("particle -p 0 0 0 -p 1 0 0 -p 2 0 0 -name dust; particle -edit -attribute velocity -order 1 -vectorValue 0 9 0 dust;"
+        "particle -edit -attribute velocity -order 0 -vectorValue 3 0 0 dust;"
+        "particle -edit -attribute velocity -order 2 -vectorValue 0 0 1 dust");
+    group("dustShape.position", "componentType=6; opNormalVelocity=1; spreadAngleMax=45");
+    Warnings warnings;
+    EXPECT_EQ(selected(), "ids 1");
+    run("connectAttr " + arraySource("v", "vectorArray", 3, "0 1 0 1 0 0 1 0 0") + " g.inVelocityPP");
+    EXPECT_EQ(selected(), "ids 0");                              // those at the input come first
+    EXPECT_TRUE(warnings.texts.empty());
+}
+
 TEST_F(ComponentGroup, UnknownUVSetsWarn)
 {
     grid(3);
