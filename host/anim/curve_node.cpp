@@ -106,6 +106,8 @@ public:
         return MS::kSuccess;
     }
     MStatus compute(const MPlug& plug, MDataBlock& block) override;
+    /// What has keys can be posed by hand until the time changes.
+    bool isPassiveOutput(const MPlug&) const override { return true; }
 
     const CurveKind kind;
     Curve           curve;

@@ -1,13 +1,18 @@
 // getAttr and setAttr.
+#include <maya/MDistance.h>
+
 #include "anim/curve_node.h"
 #include "command/attr_value.h"
 #include "command/cmd_util.h"
 #include "command/lend.h"
 #include "command/message.h"
+#include "command/shape_edit.h"
 #include "graph/context.h"
 #include "graph/edit.h"
 #include "graph/evaluate.h"
 #include "io/ma_mesh.h"
+#include "nodes/geometry_shape.h"
+#include "nurbs/nurbs_data.h"
 
 namespace mirk::command {
 
@@ -97,6 +102,32 @@ Cell& firstInstance(Cell& cell)
     return cell.isMulti() && cell.attr->is(Attribute::kWorldSpace) ? *cell.element(0) : cell;
 }
 
+/// The points that "curve.cv[*]" or "mesh.vtx[0:3]" names: CVs of a shape without history, else the offsets on top of what
+/// history makes, as of meshes always. False if the name is no such component.
+bool readPoints(const std::string& name, std::vector<double>& out)
+{
+    const size_t dot = name.rfind('.');
+    if (dot == std::string::npos || (name.compare(dot + 1, 3, "cv[") != 0 && name.compare(dot + 1, 4, "vtx[") != 0))
+        return false;
+    for (const Item& item : someItems(name))
+    {
+        Node* node = item.path.nodes.empty() ? nullptr : item.path.node();
+        auto* shape = dynamic_cast<nodes::GeometryShape*>(node);
+        if (!shape || !item.component)
+            return false;
+        const bool offsets = hasHistory(*shape) || dynamic_cast<MeshSource*>(node);
+        const std::vector<MPoint> points = offsets ? std::vector<MPoint>() : shapePoints(*shape);
+        Cell* stored = shape->cell(shape->attrs().offsets);
+        for (int i : pointIndices(*shape, *item.component))
+        {
+            const Cell* offset = stored->elementIfAny(i);
+            for (unsigned k = 0; k < 3; ++k)
+                out.push_back(MDistance::internalToUI(!offsets ? points[size_t(i)][k] : offset ? offset->number(int(k)) : 0));
+        }
+    }
+    return true;
+}
+
 Value getAttr(Call& call)
 {
     Lending* const lending = Lending::take();
@@ -104,6 +135,11 @@ Value getAttr(Call& call)
     if (plugs.empty())
         fail("No attribute was specified.");
     const eval::At context(call.has("time") ? eval::When{false, timeSeconds(call.use("time")->args[0])} : eval::now());
+    if (std::vector<double> points; plugs.size() == 1 && call.uses.size() == size_t(call.has("time")) && readPoints(plugs[0], points))
+    {
+        call.rowWidth = 3;
+        return Value(points);
+    }
     std::vector<Cell*> cells;
     for (const std::string& name : plugs)
         for (Cell* c : somePlugs(name))

@@ -86,7 +86,7 @@ public:
     {
         Cell& c = *cell_;
         for (Cell* e : elements_)
-            if (!c.elementIfAny(e->index)) {
+            if (c.elementIfAny(e->index) != e) {
                 walkCells(*e, [](Cell& below) { below.flags |= Cell::kRemoved; });
                 c.node->removed.push_back(e);
                 noteRemoved(*c.node);
@@ -118,10 +118,11 @@ private:
         std::vector<Cell*>& here = c.elements->cells;
         if (here == elements_)
             return;
-        for (Cell* e : here)   // a connection holds in every context
-            if (std::find(elements_.begin(), elements_.end(), e) == elements_.end() && linkedBelow(*e))
-                elements_.insert(std::lower_bound(elements_.begin(), elements_.end(), e,
-                                                  [](Cell* a, Cell* b) { return a->index < b->index; }), e);
+        for (Cell* e : here) {   // a connection holds in every context
+            const auto at = std::lower_bound(elements_.begin(), elements_.end(), e, [](Cell* a, Cell* b) { return a->index < b->index; });
+            if ((at == elements_.end() || (*at)->index != e->index) && linkedBelow(*e))
+                elements_.insert(at, e);
+        }
         here.swap(elements_);
     }
 

@@ -81,8 +81,8 @@ private:
     void end();
 
     Node&              node_;
-    Computing*         outer_;
-    void*              store_;
+    Computing*         outer_ = nullptr;
+    void*              store_ = nullptr;
     bool               begun_ = false, depends_ = false;
     std::vector<Cell*> saved_;      // by this compute
 };

@@ -333,7 +333,9 @@ void take(Cell& cell, Cell& source)
     if (other::active)
         other::receive(cell, source);
     cell.copyFrom(source);
-    cell.flags = uint16_t((cell.flags & ~(Cell::kDirty | Cell::kChildDirty | Cell::kLeaky)) | Cell::kSet);
+    cell.flags &= ~(Cell::kDirty | Cell::kChildDirty | Cell::kLeaky);
+    if (cell.source)
+        cell.flags |= Cell::kSet;   // a value of its own from now on, also when the connection goes
     settleChildren(cell);
 }
 
@@ -411,7 +413,9 @@ void pullDeep(Cell& cell)
             if (other::active)
                 other::receive(cell, *source);
             cell.copyFrom(*source);
-            walkCells(cell, [&](Cell& c) { c.set(Cell::kDirty, c.source && &c != &cell), c.set(Cell::kSet, true); });
+            walkCells(cell, [&](Cell& c) { c.set(Cell::kDirty, c.source && &c != &cell); });
+            if (cell.source)
+                cell.flags |= Cell::kSet;
         }
     } else if (cell.is(Cell::kDirty)) {
         if (cell.node->isComputed(cell.attr) && !(cell.flags & (Cell::kPrivate | Cell::kRemoved)))

@@ -114,6 +114,21 @@ TEST_F(Details, APeriodicCurveIsWalkedOverItsOwnPointsOnce)
     EXPECT_EQ(strings("ls -fl ring.cv[*]").size(), 8u);
 }
 
+TEST_F(Details, WhatHasKeysIsReadAtOtherTimesAndPosedByHand)
+{
+    mel("createNode transform -n t; setKeyframe -t 1 -v 0 -itt linear -ott linear t.tx; setKeyframe -t 11 -v 20 -itt linear -ott linear t.tx;"
+        "createNode transform -n below -p t; currentTime 6");
+    EXPECT_NEAR(num("getAttr t.tx"), 10, 1e-12);
+    EXPECT_NEAR(num("getAttr -t 4 t.tx"), 6, 1e-12);
+    EXPECT_NEAR(nums("getAttr -t 11 below.worldMatrix[0]")[12], 20, 1e-12);
+    mel("setAttr t.tx 42");
+    EXPECT_EQ(nums("getAttr below.worldMatrix[0]")[12], 42);
+    EXPECT_NEAR(num("getAttr -t 4 t.tx"), 6, 1e-12);
+    EXPECT_EQ(num("getAttr t.tx"), 42);
+    mel("currentTime 11");
+    EXPECT_NEAR(num("getAttr t.tx"), 20, 1e-12);
+}
+
 TEST_F(Details, ConnectedElementsCountOnceTheyWereEvaluated)
 {
     mel("createNode network -n sum; addAttr -ln input1D -at double -multi sum; createNode transform -n t; setAttr sum.input1D[2] 1; connectAttr t.tx sum.input1D[5];"

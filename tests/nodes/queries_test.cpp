@@ -57,6 +57,19 @@ TEST_F(Queries, CurvesAndSurfacesTellOfThemselves)
     EXPECT_NE(melError("setAttr oShape.spans 4"), "");
 }
 
+TEST_F(Queries, PointsByTheirComponents)
+{
+    mel("curve -n c -d 1 -p 0 0 0 -p 1 2 3 -p 2 0 0; polyCube -n m; circle -n o");
+    EXPECT_EQ(nums("getAttr c.cv[*]"), (List{0, 0, 0, 1, 2, 3, 2, 0, 0}));
+    EXPECT_EQ(nums("getAttr c.cv[1]"), (List{1, 2, 3}));
+    EXPECT_EQ(nums("getAttr m.vtx[2:3]"), (List{0, 0, 0, 0, 0, 0}));
+    mel("move -r 0 1.5 0 m.vtx[3]; move -r 0 0 2 o.cv[1]");   // on top of history
+    EXPECT_EQ(nums("getAttr m.vtx[2:3]"), (List{0, 0, 0, 0, 1.5, 0}));
+    EXPECT_EQ(nums("getAttr o.cv[0:1]"), (List{0, 0, 0, 0, 0, 2}));
+    EXPECT_NE(melError("getAttr c.cv[0].zork"), "");
+    EXPECT_NE(melError("getAttr nobody.cv[0]").find("nobody"), std::string::npos);
+}
+
 /// Law: every point of a round surface is as far from its axis as its height says, and the box sides face outward.
 TEST_F(Queries, RoundMakersAndTheCube)
 {
