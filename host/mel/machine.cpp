@@ -235,6 +235,26 @@ Value Machine::callDynamic(const Site& site, Slot* registers)
     return callByName(site.name, args);
 }
 
+/// A call whose value has a type at run time only. True if the instruction behind it, which puts an array into a variable,
+/// is done too.
+bool Machine::callCommand(const Site& site, Slot* registers, const Instr* ip)
+{
+    Frame&     f = *frame_;
+    const bool globals = !f.function->body->bound.empty();
+    if (globals)
+        writeGlobals(f);
+    std::optional<command::Lending> lending;
+    if (borrows(site, ip))
+        lending.emplace();
+    Value v = callDynamic(site, registers);
+    if (globals)
+        readGlobals(f);
+    if (lending && borrowed(*lending, Type(ip[1].i), registers[ip[1].a]))
+        return true;
+    fromValue(std::move(v), Type::kDyn, registers + ip->a);
+    return false;
+}
+
 /// A procedure that changed its signature since the caller was compiled, or that is gone.
 void Machine::callSlow(const Site& site, Slot* registers, uint16_t out)
 {
@@ -702,28 +722,8 @@ L_CALLD:
     SAVE();
     if (interruptFlag.load(std::memory_order_relaxed)) [[unlikely]]
         checkInterrupt();
-    const bool globals = !fp->function->body->bound.empty();
-    if (globals)
-        writeGlobals(*fp);
-    if (borrows(sites[ip->i], ip))
-    {
-        command::Lending lending;
-        Value            v = callDynamic(sites[ip->i], r);
-        if (globals)
-            readGlobals(*fp);
-        if (borrowed(lending, Type(ip[1].i), r[ip[1].a]))
-        {
-            ip += 2;
-            GO();
-        }
-        fromValue(std::move(v), Type::kDyn, &A);
-        NEXT();
-    }
-    Value v = callDynamic(sites[ip->i], r);
-    if (globals)
-        readGlobals(*fp);
-    fromValue(std::move(v), Type::kDyn, &A);
-    NEXT();
+    ip += callCommand(sites[ip->i], r, ip) ? 2 : 1;
+    GO();
 }
 L_CALLN:
 {

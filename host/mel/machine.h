@@ -49,6 +49,7 @@ private:
     void  writeGlobals(Frame& f);
     void  readGlobals(Frame& f);
     Value callDynamic(const Site& site, Slot* registers);
+    bool  callCommand(const Site& site, Slot* registers, const Instr* ip);
     void  callSlow(const Site& site, Slot* registers, uint16_t out);
     void  checkInterrupt();
 

@@ -214,5 +214,96 @@ TEST_F(MelNative, RandomProgramsDoTheSame)
     EXPECT_LT(errors, count * 2 / 3) << "most programs should come to their end";
 }
 
+TEST_F(MelNative, EdgesOfTheArithmetic)
+{
+    struct Case { const char *body, *result; };
+    const Case cases[] = {
+        {"$i = -2147483647 - 1; $i = $i / -1;", "-2147483648"},
+        {"$i = -2147483647 - 1; $i = $i % -1;", "0"},
+        {"$i = 2147483647; $i += $k + 1;", "-2147483636"},                      // 13 turns at the last one: wraps
+        {"$i = abs(-2147483647 - 1);", "-2147483648"},
+        {"$i = 1e300 * $k;", "2147483647"},
+        {"$i = -1e300 * ($k + 1);", "-2147483648"},
+        {"$i = sqrt(-1.0 - $k);", "0"},                                         // NaN
+        {"$i = -7 / 2 + -7 % 3;", "-4"},
+        {"$f = 0.0 * -1; $i = $f == 0;", "1"},
+        {"$f = sqrt(-1.0); $i = ($f < 1) + ($f >= 1) * 2 + ($f != $f) * 4 + ($f == $f) * 8 + !$f * 16; if ($f < 1 || $f >= 1) $i += 32;", "4"},
+        {"$i = min(3, $k) * 100 + max(3, $k);", "312"},
+        {"$i = $a[1000000] + size($a);", "0"},                                  // past the end
+        {"$a[$k * 3] = $k; $i = size($a);", "37"},
+        {"$a[$k] = $k; $b = $a; $b[0] = 99; $i = $a[0] + size($b);", "13"},     // a copy shares until written
+        {"$a[$k] += $k; nativeFill($a); $i = $a[1] + $a[20];", "27"},           // by reference: 13 times 2
+        {"if ($k == 12) $i = 5 / ($k - 12);", "error: <eval>, line 2.52, at '/': Divide by zero."},
+        {"if ($k == 12) $f = 5 % ($k - 12.0);", "error: <eval>, line 2.52, at '%': Divide by zero."},
+        {"if ($k == 12) $i = $a[11 - $k];", "error: <eval>, line 2.50, at '$a': The array index -1 is negative."},
+        {"if ($k == 12) $a[11 - $k] = 1;", "error: <eval>, line 2.45, at '$a': The array index -1 is negative."},
+        {"if ($k == 12) $a[2000000000] = 1;", "error: <eval>, line 2.45, at '$a': The array index 2000000000 is too large."},
+        {"$i += catchQuiet($f = 1 / ($k % 4 == 3 ? 0 : 1));", "3"},
+        {"string $t = $k; $i += size($t);", "16"},
+        {"$i = nativeSmall($k) + nativeSmall(0 - $k);", "-12"},
+    };
+    mel("global proc nativeFill(float $x[]) { $x[20] = $x[20] + 2; } global proc int nativeSmall(int $x) { if ($x > 0) return 0 - $x; return $x / 2 + 6; }");
+    for (const Case& c : cases)
+    {
+        const std::string text = std::string("global proc string nativeEdge() { float $a[], $b[]; float $f; int $i, $k;\nfor ($k = 0; $k < 13; $k++) { ") +
+                                 c.body + " }\nreturn $i; } nativeEdge();";
+        EXPECT_EQ(without(text), c.result) << c.body;
+        EXPECT_EQ(with(text), c.result) << c.body;
+    }
+}
+
+TEST_F(MelNative, LoopsOfTheTopLevelAndTheirVariables)
+{
+    const auto run = [](bool native, const char* name) {
+        mel::setNative(native, 3);
+        const std::string n = name;
+        return outcome("int $" + n + " = 1; for ($" + n + "k = 0; $" + n + "k < 50; $" + n + "k++) { $" + n + " += $" + n + "k; if ($" + n + "k == 40) eval(\"$" + n +
+                       " += 1000\"); } $" + n + ";");
+    };
+    EXPECT_EQ(run(false, "natTopA"), "2226");   // 1 + 49 * 50 / 2 + 1000
+    EXPECT_EQ(run(true, "natTopB"), "2226");
+}
+
+TEST_F(MelNative, RedefinedProceduresAreCalledAnew)
+{
+    mel::setNative(true, 3);
+    mel("global proc int natCallee(int $x) { return $x + 1; }"
+        "global proc int natCaller() { int $s = 0, $k; for ($k = 0; $k < 100; $k++) { $s = natCallee($s);"
+        " if ($k == 49) eval(\"global proc int natCallee(int $x) { return $x + 10; }\"); } return $s; }");
+    EXPECT_EQ(num("natCaller()"), 550);
+    EXPECT_EQ(num("natCaller()"), 1000);
+    mel("global proc float natCallee(float $x) { return $x + 0.5; }");
+    EXPECT_EQ(num("natCaller()"), 500) << "an int variable drops the half, until the loop defines the int form again";
+}
+
+TEST_F(MelNative, LimitsHoldInBothTiers)
+{
+    mel("global proc int natDeep(int $n) { return $n < 1 ? 0 : natLeaf(natDeep($n - 1)); } global proc int natLeaf(int $x) { return $x + 1; }");
+    mel("global proc int natEndless(int $n) { return natEndless($n + 1) + 1; }");
+    for (const bool native : {false, true})
+    {
+        mel::setNative(native, 3);
+        EXPECT_EQ(outcome("natDeep(40000)"), "40000");
+        EXPECT_NE(outcome("natEndless(0)").find("Stack overflow"), std::string::npos);
+        EXPECT_NE(outcome("float $natHuge[]; $natHuge[2147483647] = 1;").find("too large"), std::string::npos);
+        EXPECT_NE(outcome("vector $natVectors[]; $natVectors[200000000] = 1;").find("too large"), std::string::npos);
+        EXPECT_EQ(outcome("float $natRoom[2000000000]; size($natRoom);"), "0") << "a declared size only reserves";
+        EXPECT_EQ(outcome("natLeaf(1)"), "2");
+    }
+}
+
+TEST_F(MelNative, ArraysOfAttributesAreSharedUntilWritten)
+{
+    mel("createNode network -n natLend; addAttr -ln p -dt pointArray natLend; addAttr -ln v -dt vectorArray natLend; addAttr -ln i -dt Int32Array natLend;"
+        "setAttr natLend.p -type pointArray 2 1 2 3 1 4 5 6 1; setAttr natLend.v -type vectorArray 2 1 2 3 4 5 6; setAttr natLend.i -type Int32Array 3 7 8 9;");
+    EXPECT_EQ(nums("float $natP[] = `getAttr natLend.p`; $natP[7] = 9; $natP[8] = 10; $natP"), (std::vector<double>{1, 2, 3, 1, 4, 5, 6, 9, 10}));
+    EXPECT_EQ(nums("getAttr natLend.p"), (std::vector<double>{1, 2, 3, 1, 4, 5, 6, 1}));
+    EXPECT_EQ(nums("float $natV[] = `getAttr natLend.v`; setAttr natLend.v -type vectorArray 1 0 0 0; $natV"), (std::vector<double>{1, 2, 3, 4, 5, 6}));
+    EXPECT_EQ(nums("int $natI[] = `getAttr natLend.i`; int $natJ[] = $natI; $natI[0] = 1; $natJ"), (std::vector<double>{7, 8, 9}));
+    EXPECT_EQ(nums("float $natF[] = `getAttr natLend.i`; $natF"), (std::vector<double>{7, 8, 9}));
+    EXPECT_EQ(nums("int $natK[] = `getAttr natLend.p`; $natK"), (std::vector<double>{1, 2, 3, 1, 4, 5, 6, 1}));
+    EXPECT_NE(melError("float $natN[] = `getAttr natLend.none`;").find("natLend.none"), std::string::npos);
+}
+
 }  // namespace
 }  // namespace mirk
