@@ -4,6 +4,7 @@
 
 #include <maya/MColor.h>
 #include <maya/MColorArray.h>
+#include <maya/MDGContextGuard.h>
 #include <maya/MFloatArray.h>
 #include <maya/MFnCompoundAttribute.h>
 #include <maya/MFnEnumAttribute.h>
@@ -279,8 +280,12 @@ void MRampAttribute::getEntries(MIntArray& indices, MFloatArray& positions, MCol
                 [](const RampEntry& e) { return MColor(e.value[0], e.value[1], e.value[2], 1); }, s);
 }
 
-void MRampAttribute::getValueAtPosition(float position, float& value, MStatus* s, MDGContext&) const
+void MRampAttribute::getValueAtPosition(float position, float& value, MStatus* s, MDGContext& context) const
 {
+    if (!context.isNormal()) {
+        const MDGContextGuard guard(context);
+        return getValueAtPosition(position, value, s);
+    }
     Cell* ramp = rampOf(plug_, false);
     report(s, ramp ? MS::kSuccess : MS::kFailure);
     value = 0;
@@ -290,8 +295,12 @@ void MRampAttribute::getValueAtPosition(float position, float& value, MStatus* s
     }
 }
 
-void MRampAttribute::getColorAtPosition(float position, MColor& color, MStatus* s, MDGContext&) const
+void MRampAttribute::getColorAtPosition(float position, MColor& color, MStatus* s, MDGContext& context) const
 {
+    if (!context.isNormal()) {
+        const MDGContextGuard guard(context);
+        return getColorAtPosition(position, color, s);
+    }
     Cell* ramp = rampOf(plug_, true);
     report(s, ramp ? MS::kSuccess : MS::kFailure);
     color = ramp ? colorAt(sortedEntries(*ramp), position) : MColor(0, 0, 0, 1);

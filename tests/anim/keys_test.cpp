@@ -2,7 +2,9 @@
 #include <cmath>
 
 #include <maya/MDoubleArray.h>
+#include <maya/MDGContext.h>
 #include <maya/MFnAnimCurve.h>
+#include <maya/MRampAttribute.h>
 #include <maya/MTimeArray.h>
 
 #include "../plugin/scene.h"
@@ -157,6 +159,22 @@ TEST_F(Keys, OverAPlainNumber)
     EXPECT_NEAR(num("getAttr g.rx"), 22.5, 1e-9);
     near(list("keyframe -q -fc -vc d"), {0, 0, 2, 90});
     EXPECT_EQ(num("listConnections -s 1 -d 0 d; size(`listConnections -s 1 -d 0 d`)"), 0);   // the time is none of its inputs
+}
+
+TEST_F(Keys, ReadAtOtherTimes)
+{
+    mel("group -em -n g; createNode remapValue -n r; connectAttr g.tx r.value[1].value_FloatValue;"
+        "setKeyframe -itt linear -ott linear -t 0 -v 0 g.tx; setKeyframe -itt linear -ott linear -t 10 -v 20 g.tx; currentTime 5");
+    const MRampAttribute ramp(scene::plug("r.value"));
+    MDGContext           later(MTime(8, MTime::k24FPS));
+    float                now = 0, then = 0;
+    ramp.getValueAtPosition(1, now);
+    ramp.getValueAtPosition(1, then, nullptr, later);
+    EXPECT_FLOAT_EQ(now, 10);
+    EXPECT_FLOAT_EQ(then, 16);
+    EXPECT_EQ(num("getAttr g.tx"), 10);
+    ramp.getValueAtPosition(1, now);
+    EXPECT_FLOAT_EQ(now, 10);
 }
 
 TEST_F(Keys, FunctionSet)
