@@ -159,8 +159,8 @@ TEST_F(RandomTransfer, ManyPointsAgainstThePlainLoop)
             const auto hits = hitsOf(volumes, at, std::size_t(most));
             blend(hits, weight, at);
             reached += !hits.empty();
-            // ramps take single-precision distances
-            wrong += std::fabs(weights[i] - weight) > 2e-6 || !moved[i].isEquivalent(at, 4e-6);
+            // ramps and kernel are single precision: where all kernels are next to 0 their shares are rough
+            wrong += std::fabs(weights[i] - weight) > 2e-5 || !moved[i].isEquivalent(at, 2e-5);
         }
         EXPECT_EQ(wrong, 0) << most;
         EXPECT_GT(reached, int(kPoints) / 20);
