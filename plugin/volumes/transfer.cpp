@@ -202,9 +202,9 @@ void Walk::takeCloud(std::size_t taken)
     for (std::size_t k = 0; k < taken; ++k) {
         Brought&   b = brought_[static_cast<std::size_t>(batch_.slot[k])];
         const auto j = static_cast<std::size_t>(candidates_.cloud[static_cast<std::size_t>(batch_.from[k])]);
-        b.weight *= cloud.weights[j];
-        b.radius *= cloud.radii[j];
-        b.alpha *= cloud.rgba[j][3];
+        b.weight = batch_.weight[k] * cloud.weights[j];   // set, not multiplied on: a slot may come twice in a batch
+        b.radius = batch_.radius[k] * cloud.radii[j];
+        b.alpha = batch_.alpha[k] * cloud.rgba[j][3];
         b.color = {cloud.rgba[j][0], cloud.rgba[j][1], cloud.rgba[j][2]};
         b.target = cloud.positions[j];
     }

@@ -4,6 +4,9 @@
 #include <maya/MBoundingBox.h>
 #include <maya/MFnDagNode.h>
 
+#include "draw/picture.h"
+#include "view/scene_draw.h"
+
 using namespace scene;
 using BoundingObject = scene::Test;
 
@@ -13,6 +16,34 @@ namespace {
 void cloud(const std::string& settings = "") { volume("b", 3, 0.0, "setAttr b.translateY 2;" + settings); }
 
 const std::string kCurve = "curve -degree 1 -point 0 0 0 -point 1 0 0 -point 1 1 0 -name c; rename `listRelatives -shapes c` cs;";
+
+/// What is drawn of one kind of primitive: its extent along x in world space, and how many vertices.
+struct Drawn
+{
+    double      from = 1e9, to = -1e9;
+    std::size_t count = 0, colors = 0;
+};
+
+Drawn drawn(mirk::view::Primitive primitive)
+{
+    mirk::view::SceneDrawOptions options;
+    options.camera = picture::flatCamera();
+    options.grid = false;
+    Drawn out;
+    for (const mirk::view::Item& item : mirk::view::collectScene(options).list.items) {
+        if (item.primitive != primitive || item.space != mirk::view::Space::kObject)
+            continue;
+        for (std::size_t i = 0; i + 2 < item.positions.size(); i += 3) {
+            const float* p = &item.positions[i];
+            const double x = p[0] * item.matrix[0] + p[1] * item.matrix[4] + p[2] * item.matrix[8] + item.matrix[12];
+            out.from = std::min(out.from, x);
+            out.to = std::max(out.to, x);
+            ++out.count;
+        }
+        out.colors += item.colors.size() / 4;
+    }
+    return out;
+}
 
 } // namespace
 
@@ -181,4 +212,28 @@ TEST_F(BoundingObject, BoxOfACapsule)
     EXPECT_NEAR(box.min().y, -2.0, 1e-6);
     EXPECT_NEAR(box.max().x, 1.0, 1e-6);
     run("setAttr b.scaleX 0; getAttr bShape.outParentMatrix");   // flat: still answers
+}
+
+TEST_F(BoundingObject, IsDrawnWhereConsumersFindIt)
+{
+    using mirk::view::Primitive;
+    volume("b", 0, 1.0, "setAttr b.scaleX 2; select -clear");
+    Drawn lines = drawn(Primitive::kLines);
+    EXPECT_NEAR(lines.from, -1.0, 1e-5);
+    EXPECT_NEAR(lines.to, 3.0, 1e-5);
+    run("disconnectAttr b.worldMatrix[0] bShape.inParentMatrix;"   // the volume is where its matrix is, not its transform
+        "setAttr bShape.inParentMatrix -type \"matrix\" 1 0 0 0 0 1 0 0 0 0 1 0 9 0 0 1");
+    lines = drawn(Primitive::kLines);
+    EXPECT_NEAR(lines.from, 8.0, 1e-5);
+    EXPECT_NEAR(lines.to, 10.0, 1e-5);
+    run("setAttr bShape.type 3; setAttr bShape.pointRadius 0.5; connectAttr " + particles({3, 4, 6}) +
+        " bShape.inParticlePositionPP");
+    lines = drawn(Primitive::kLines);
+    EXPECT_NEAR(lines.from, 2.5, 1e-5);
+    EXPECT_NEAR(lines.to, 6.5, 1e-5);
+    EXPECT_EQ(lines.colors, lines.count);
+    EXPECT_EQ(drawn(Primitive::kPoints).count, 3u);
+    run("setAttr bShape.displayPointCloudBoundingVolumes 0");
+    EXPECT_EQ(drawn(Primitive::kLines).count, 0u);
+    EXPECT_EQ(drawn(Primitive::kPoints).count, 3u);
 }
