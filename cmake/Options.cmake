@@ -27,6 +27,10 @@ if(MIRK_MOLD)
 endif()
 
 add_compile_options(-Wall -Wextra -Wno-unused-parameter -fno-math-errno)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+  # this vectorizer loses the rounding of double(float(x)) on neighbouring values
+  add_compile_options(-fno-tree-slp-vectorize)
+endif()
 if(MIRK_SANITIZE)
   add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer -g1)
   add_link_options(-fsanitize=address,undefined)

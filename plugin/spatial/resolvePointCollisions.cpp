@@ -61,7 +61,7 @@ MStatus resolvePointCollisions::compute(const MPlug& plug, MDataBlock& block)
     rule.mutual = block.inputValue(aMutual).asBool();
 
     const double        radius = block.inputValue(aRadius).asFloat();
-    const ArrayView     factors = viewArray(block, aInRadiusPP);
+    const ArrayView     factors = viewArray(block, aInRadiusPP, {MFn::kDoubleArrayData});
     std::vector<double> radii(count, factors.length > 0 ? 0.0 : radius);
     for (std::size_t i = 0; i < std::min<std::size_t>(count, factors.length); ++i)
         radii[i] = factors.doubles[i] * radius;
