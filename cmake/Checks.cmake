@@ -16,6 +16,8 @@ foreach(example arrays_arithmetic arrays_converters arrays_uvs)
 endforeach()
 if(EXISTS /usr/share/glmark2/models/bunny.obj)
   add_test(NAME example.arrays_bunny COMMAND mirk run "${CMAKE_SOURCE_DIR}/examples/arrays_bunny.py")
+  add_test(NAME example.wave COMMAND mirk run "${CMAKE_SOURCE_DIR}/examples/wave.py" --frames 1-2
+           --render "${CMAKE_BINARY_DIR}/wave.##.png" --width 160 --height 90)
 endif()
 
 # loading seen from inside a session, in both modes; each has an empty tools' directory of its own
