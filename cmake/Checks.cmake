@@ -17,6 +17,8 @@ endforeach()
 if(EXISTS /usr/share/glmark2/models/bunny.obj)
   add_test(NAME example.arrays_bunny COMMAND mirk run "${CMAKE_SOURCE_DIR}/examples/arrays_bunny.py")
   add_test(NAME example.components COMMAND mirk run "${CMAKE_SOURCE_DIR}/examples/components.py")
+  add_test(NAME example.wave COMMAND mirk run "${CMAKE_SOURCE_DIR}/examples/wave.py" --frames 1-2
+           --render "${CMAKE_BINARY_DIR}/wave.##.png" --width 160 --height 90)
 endif()
 
 add_test(NAME example.volumes COMMAND mirk run "${CMAKE_SOURCE_DIR}/examples/volumes.py" --frames 11-13)

@@ -89,10 +89,14 @@ def main():
     mc.setAttr(transform + '.translateY', -mc.getAttr(bunny + '.boundingBoxMinY'))   # on the ground
     frame(bunny)
     shape = mc.createNode('mesh', name='swellShape', parent=transform)
-    mc.connectAttr(expressions(bunny) + '.outGeometry', shape + '.inMesh')
+    swell = expressions(bunny)
+    mc.connectAttr(swell + '.outGeometry', shape + '.inMesh')
     mc.setAttr(shape + '.displayColors', True)
     mc.setAttr(bunny + '.intermediateObject', True)
-    print('%d points a frame' % mc.polyEvaluate(shape, vertex=True))
+    points = mc.polyEvaluate(shape, vertex=True)
+    if len(mc.getAttr(swell + '.outPositionPP') or []) != points or len(mc.getAttr(swell + '.outRgbaPP') or []) != 4 * points:
+        sys.exit('An expression failed, see above.')     # a block whose text fails gives an empty array
+    print('%d points a frame' % points)
 
 
 main()

@@ -61,11 +61,11 @@ void note(const Call& call)
         return;
     if (name != "file")
         return mark(name == "undo" ? "Undo" : "Redo");
-    const std::pair<const char*, const char*> flags[] = {{"new", "NewSceneOpened"}, {"open", "SceneOpened"}, {"import", "SceneImported"}, {"save", "SceneSaved"}};
+    const std::pair<const char*, const char*> flags[] = {{"newFile", "NewSceneOpened"}, {"open", "SceneOpened"}, {"import", "SceneImported"}, {"save", "SceneSaved"}};
     for (const auto& [flag, event] : flags)
         if (call.has(flag))
             mark(event);
-    if (call.has("new") || call.has("open"))
+    if (call.has("newFile") || call.has("open"))
         std::erase_if(jobs(), [](const auto& j) { return j.second.killWithScene; });
 }
 

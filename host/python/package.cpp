@@ -130,11 +130,12 @@ PyObject* commandFunction(const std::string& name)
 PyObject* commandNames(bool forImport = false)
 {
     PyObject* list = PyList_New(0);
+    PyObject* own = PyEval_GetBuiltins();
     for (const std::string& n : command::names())
     {
-        if (forImport && (n == "print" || n == "eval"))
-            continue;
         Object name(PyUnicode_FromString(n.c_str()));
+        if (forImport && PyDict_Contains(own, name.get()) == 1)
+            continue;
         if (PyList_Append(list, name.get()) < 0)
             break;
     }

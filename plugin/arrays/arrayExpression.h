@@ -6,8 +6,8 @@
 
 #include "arrays/arrayExpressionText.h"
 
-/// Runs an artist's MEL text once for each element of up to five arrays. An output has the element type of its input; all
-/// have the length of the longest input.
+/// Runs an artist's MEL text once for each element of up to five arrays. An output has the element type of its input;
+/// all have the length of the longest input.
 ///
 /// The arrays pass through global variables of the host's one interpreter, which all nodes of this type share and which
 /// keep their values from one evaluation to the next. So the node belongs to the main thread.

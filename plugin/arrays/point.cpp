@@ -365,10 +365,13 @@ bool point::gather(MDataBlock& block, PointRun& run) const
                               text(aColorSet), run.uvSet, "inGeometry", "inNormalPP"};
     const PointInput second = {MPlug(self, aInGeo2), MPlug(self, aInRgbaPP2), MPlug(self, aInNormalPP2),
                                text(aColorSet2), text(aUvSet2), "inGeometry2", "inNormalPP2"};
-    if (!gatherPoints(block, first, run.space, run.in) ||
-        (second.geometry.isConnected() && !gatherPoints(block, second, run.space, run.in2)))
+    if (!openPoints(block, first, run.space, run.in) ||
+        (second.geometry.isConnected() && !openPoints(block, second, run.space, run.in2)))
         return false;
     run.hasSecond = run.in2.count > 0;
+    readPoints(block, first, run.space, run.in);
+    if (run.hasSecond)
+        readPoints(block, second, run.space, run.in2);
 
     const auto   mode = static_cast<SubsetMode>(block.inputValue(aUseComp).asShort());
     const int    groupId = block.inputValue(aGroupId).asInt();

@@ -164,7 +164,7 @@ void readUVs(const MString& uvSetName, PointData& data)
 
 } // namespace
 
-bool gatherPoints(MDataBlock& block, const PointInput& input, MSpace::Space space, PointData& data)
+bool openPoints(MDataBlock& block, const PointInput& input, MSpace::Space space, PointData& data)
 {
     MDataHandle         geometry = block.inputValue(input.geometry.attribute());
     const MFnData::Type kind = geometry.type();
@@ -180,13 +180,18 @@ bool gatherPoints(MDataBlock& block, const PointInput& input, MSpace::Space spac
         return false;
     }
     data.count = vertexCount / data.step;
+    return true;
+}
+
+void readPoints(MDataBlock& block, const PointInput& input, MSpace::Space space, PointData& data)
+{
     if (data.mesh.isNull())
-        return true;
+        return;
+    MDataHandle geometry = block.inputValue(input.geometry.attribute());
     readPositions(geometry, space, data);
     readColors(block, input, data);
     readNormals(block, input, space, data);
     readUVs(input.uvSet, data);
-    return true;
 }
 
 void gatherSubset(MDataHandle& geometry, const Subset& subset, unsigned int componentCount, const PointData& data,

@@ -65,8 +65,11 @@ struct PointMap
     unsigned int count = 0;
 };
 
-/// Reads a geometry. False, after a warning, if nothing can be done with it. A geometry of no known kind has no points.
-bool gatherPoints(MDataBlock& block, const PointInput& input, MSpace::Space space, PointData& data);
+/// Finds the mesh to read and counts the points. False, after a warning, if nothing can be done with the geometry. One
+/// of no known kind has no points.
+bool openPoints(MDataBlock& block, const PointInput& input, MSpace::Space space, PointData& data);
+/// Reads what is known of the points of an open geometry.
+void readPoints(MDataBlock& block, const PointInput& input, MSpace::Space space, PointData& data);
 
 /// `componentCount`: elements of the subset's component; the point count where there is none.
 void gatherSubset(MDataHandle& geometry, const Subset& subset, unsigned int componentCount, const PointData& data,
