@@ -273,7 +273,8 @@ std::vector<double> ComponentGeometry::vertexPoints() const
     const MFnMesh mesh(object);
     if (space_ == MSpace::kObject || MFnGeometryData(object).matrixIsIdentity()) {   // read them where they are
         const float* raw = mesh.getRawPoints();
-        return raw ? std::vector<double>(raw, raw + 3 * static_cast<std::size_t>(mesh.numVertices())) : std::vector<double>();
+        const auto   length = raw ? 3 * static_cast<std::size_t>(mesh.numVertices()) : 0;
+        return std::vector<double>(raw, raw + length);
     }
     MPointArray points;
     mesh.getPoints(points, space_);

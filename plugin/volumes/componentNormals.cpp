@@ -54,7 +54,8 @@ Marks inBetweenVertices(const MeshTables& mesh, const Triples& vectors, float an
 {
     Marks marks(vectors.size() / 3, 0);
     for (std::size_t e = 0; e + 1 < mesh.edgeVertices.size(); e += 2) {
-        const auto a = static_cast<std::size_t>(mesh.edgeVertices[e]), b = static_cast<std::size_t>(mesh.edgeVertices[e + 1]);
+        const auto a = static_cast<std::size_t>(mesh.edgeVertices[e]);
+        const auto b = static_cast<std::size_t>(mesh.edgeVertices[e + 1]);
         if (a < marks.size() && b < marks.size() && near(at(vectors, a), at(vectors, b), angle))
             marks[a] = marks[b] = 1;   // each is the other's neighbour
     }

@@ -37,7 +37,8 @@ void bound(const std::string& name, int type, const MMatrix& matrix, bool contai
         for (const char* axis : {"x", "y", "z"})
             child(attribute.c_str(), attribute + axis + " -attributeType double");
     };
-    run("createNode network -name " + name + "; addAttr -longName outData -attributeType compound -numberOfChildren 3 " + name);
+    run("createNode network -name " + name + ";"
+        "addAttr -longName outData -attributeType compound -numberOfChildren 3 " + name);
     child("outData", "opm -dataType matrix");
     child("outData", "cd -attributeType compound -numberOfChildren 8");
     child("cd", "en -attributeType double");
@@ -165,7 +166,8 @@ TEST_F(ComponentBounds, TheNodeItself)
     grid(3);
     group("p.worldMesh[0]", "");
     run("createNode transform -name t; move -1 0 1 t; createNode boundingObject -name b -parent t;"
-        "connectAttr t.worldMatrix[0] b.inParentMatrix; connectAttr b.outData.outParentMatrix g.boundingObjects[0].boundParentMatrix;"
+        "connectAttr t.worldMatrix[0] b.inParentMatrix;"
+        "connectAttr b.outData.outParentMatrix g.boundingObjects[0].boundParentMatrix;"
         "connectAttr b.outData g.boundingObjects[0]");
     EXPECT_EQ(selected(), "v 0 1 4 5");
     run("setAttr t.scale 2 2 2");
@@ -217,7 +219,8 @@ TEST_F(ComponentBounds, AnythingGivesAList)
         run(std::string("connectAttr n.") + name + " g." + name);
     }
     samples::Numbers   r(3);
-    const MFnData::Type geometries[] = {MFnData::kMesh, MFnData::kNurbsCurve, MFnData::kNurbsSurface, MFnData::kVectorArray};
+    const MFnData::Type geometries[] = {MFnData::kMesh, MFnData::kNurbsCurve, MFnData::kNurbsSurface,
+                                        MFnData::kVectorArray};
     const struct { const char* name; int from, to; } settings[] = {
         {"componentType", 0, 6}, {"combine", 0, 3}, {"filterInput", 0, 1}, {"opRange", 0, 1}, {"opNormalVelocity", 0, 1},
         {"opDepth", 0, 1}, {"opEdgeLength", 0, 1}, {"opFaceArea", 0, 1}, {"opFacePerimeter", 0, 1}, {"opWeightMap", 0, 1},
@@ -430,7 +433,8 @@ TEST_F(ComponentBounds, StepsAgreeWithAWalkOverTheMesh)
         return angle >= 20.0f * degrees && angle <= 75.0f * degrees;
     };
     struct { const char* settings; std::function<Set(const Reference&)> reference; } const cases[] = {
-        {"setAttr g.opNormalVelocity 1; setAttr g.direction 0.3 1 -0.2; setAttr g.spreadAngleMin 20; setAttr g.spreadAngleMax 75",
+        {"setAttr g.opNormalVelocity 1; setAttr g.direction 0.3 1 -0.2; setAttr g.spreadAngleMin 20;"
+         "setAttr g.spreadAngleMax 75",
          [&](const Reference& r) {
              const auto vertex = [&](MItMeshVertex& it) { MVector n; it.getNormal(n, MSpace::kWorld); return facing(n); };
              const auto face = [&](MItMeshPolygon& it) { MVector n; it.getNormal(n, MSpace::kWorld); return facing(n); };
@@ -469,7 +473,8 @@ TEST_F(ComponentBounds, StepsAgreeWithAWalkOverTheMesh)
                   : r.kind == 3 ? r.fromVertices([](MItMeshVertex& it) { return it.onBoundary(); })
                                 : r.fromVertices([](MItMeshVertex& it) { return it.onBoundary(); });
          }},
-        {"setAttr g.opDepth 1; setAttr g.depth 3; setAttr g.useInComponents 0; setAttr g.initialComponents -type \"string\" \"4 20\"",
+        {"setAttr g.opDepth 1; setAttr g.depth 3; setAttr g.useInComponents 0;"
+         "setAttr g.initialComponents -type \"string\" \"4 20\"",
          [](const Reference& r) {
              if (r.kind < 3)
                  return grown(r, {4, 20}, 3);
@@ -515,7 +520,8 @@ TEST_F(ComponentBounds, StepsAgreeWithAWalkOverTheMesh)
             EXPECT_GT(expected.size(), 0u) << c.settings << kind;
             EXPECT_EQ(selected(), textOf(kPrefix[kind], expected)) << c.settings << kind;
         }
-        run("delete g; createNode componentGroup -name g; connectAttr mesh1.worldMesh[0] g.inGeometry; setAttr g.opPattern 0");
+        run("delete g; createNode componentGroup -name g; connectAttr mesh1.worldMesh[0] g.inGeometry;"
+            "setAttr g.opPattern 0");
     }
 }
 

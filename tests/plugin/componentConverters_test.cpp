@@ -36,7 +36,8 @@ TEST_F(ComponentConverters, OtherGroupsStay)
 {
     grid(3);
     run("createNode compListToObjGrp -name a; createNode compListToObjGrp -name b; createNode objGrpToCompList -name read;"
-        "connectAttr p.outMesh a.inGeometry; connectAttr a.outGeometry b.inGeometry; connectAttr b.outGeometry read.inGeometry;"
+        "connectAttr p.outMesh a.inGeometry; connectAttr a.outGeometry b.inGeometry;"
+        "connectAttr b.outGeometry read.inGeometry;"
         "setAttr a.groupId 1; setAttr b.groupId 2; setAttr read.groupId 1");
     giveComponents("a.inComponents", {"vtx[3]"});
     giveComponents("b.inComponents", {"vtx[4]"});
@@ -49,7 +50,8 @@ TEST_F(ComponentConverters, OtherGroupsStay)
 
 TEST_F(ComponentConverters, CurvesAndSurfaces)
 {
-    run("curve -degree 1 -point 0 0 0 -point 1 0 0 -point 3 0 0 -name c; nurbsPlane -degree 1 -patchesU 2 -patchesV 2 -name s;"
+    run("curve -degree 1 -point 0 0 0 -point 1 0 0 -point 3 0 0 -name c;"
+        "nurbsPlane -degree 1 -patchesU 2 -patchesV 2 -name s;"
         "createNode compListToObjGrp -name write; createNode objGrpToCompList -name read; setAttr write.groupId 1;"
         "setAttr read.groupId 1; connectAttr write.outGeometry read.inGeometry");
     struct { const char *geometry, *entry, *read; } const cases[] = {

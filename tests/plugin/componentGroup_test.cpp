@@ -392,7 +392,8 @@ TEST_F(ComponentGroup, Particles)
 
 TEST_F(ComponentGroup, VelocitiesOfTheParticleShapeUpstream)
 {
-    run("particle -p 0 0 0 -p 1 0 0 -p 2 0 0 -name dust; particle -edit -attribute velocity -order 1 -vectorValue 0 9 0 dust;"
+    run("particle -p 0 0 0 -p 1 0 0 -p 2 0 0 -name dust;"
+        "particle -edit -attribute velocity -order 1 -vectorValue 0 9 0 dust;"
         "particle -edit -attribute velocity -order 0 -vectorValue 3 0 0 dust;"
         "particle -edit -attribute velocity -order 2 -vectorValue 0 0 1 dust");
     group("dustShape.position", "componentType=6; opNormalVelocity=1; spreadAngleMax=45");
@@ -427,8 +428,8 @@ TEST_F(ComponentGroup, ADifferentKindOfGeometryAtTheNextEvaluation)
         MVectorArray       values = fn.array();
         values[1] = MVector(NAN, INFINITY, 1e308);
     }
-    for (const std::string& from : {std::string("c.worldSpace[0]"), std::string("s.worldSpace[0]"), std::string("empty.outMesh"),
-                                    nans, std::string("p.outMesh")}) {
+    for (const std::string& from : {std::string("c.worldSpace[0]"), std::string("s.worldSpace[0]"),
+                                    std::string("empty.outMesh"), nans, std::string("p.outMesh")}) {
         run("connectAttr -force " + from + " g.inGeometry");
         for (int type = 0; type < 7; ++type) {
             run("setAttr g.componentType " + std::to_string(type));
