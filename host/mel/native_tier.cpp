@@ -36,9 +36,16 @@ bool setElement(Heap* array, int32_t index, const T& value)
 
 bool callBuiltIn(const Site* site, Slot* registers, uint16_t out)
 {
-    NativeCall c(registers, *site, out);
-    site->native->function(c);
-    return true;
+    try
+    {
+        NativeCall c(registers, *site, out);
+        site->native->function(c);
+        return true;
+    }
+    catch (...)
+    {
+        return false;
+    }
 }
 
 /// The module lies beside the library that this code is part of; null if it is not there (or not for this machine).

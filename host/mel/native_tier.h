@@ -46,7 +46,7 @@ struct NativeSupport
     bool (*setVector)(Heap*, int32_t, const Slot*);
     int32_t (*toInt)(double);
     double (*modulo)(double, double);
-    /// A built-in function that calls back nothing; false if it failed, with nothing but its result touched.
+    /// A built-in function of numbers; false if it failed: then the interpreter calls it again and reports it.
     bool (*callNative)(const Site*, Slot*, uint16_t);
 };
 

@@ -254,14 +254,18 @@ void Emitter::callBuiltIn(size_t pc, const Instr& in)
     a_.mov(rsi, rbx);
     a_.mov(edx, uint32_t(in.a));
     call(reinterpret_cast<const void*>(support_.callNative));
-    // the result has reached its home: what is alive before may be one of its registers
-    std::vector<uint16_t> others;
-    for (uint16_t r : keptOver(pc, in))
-        others.push_back(r);
-    restore(others);
-    for (uint16_t r : e.defs)
+    const Label failed = a_.newLabel();
+    a_.test(al, al);
+    a_.jz(failed);
+    restore(keptOver(pc, in));
+    for (uint16_t r : e.defs)   // the result has reached its home
         if (analysis_.place(r) >= 0)
             load(r);
+    later([=, this] {
+        a_.bind(failed);
+        restore(kept);
+        a_.jmp(exitAt(pc));
+    });
 }
 
 }  // namespace mirk::mel::native

@@ -56,8 +56,12 @@ bool covered(const Body& body, const Instr& in)
         return true;
     case OP_CALLN:
     {
-        const Native& n = *body.sites[size_t(in.i)].native;
-        return !n.runsScript && !isArray(body.sites[size_t(in.i)].result);
+        const Site& site = body.sites[size_t(in.i)];
+        const auto  number = [](Type t) { return isNumber(t) || t == Type::kVector; };
+        for (const Site::Arg& a : site.args)
+            if (!number(a.type))
+                return false;
+        return !site.native->runsScript && number(site.result);
     }
     default:
         return isPure(in.op) || isJump(in.op);
