@@ -214,7 +214,8 @@ void Walk::takeShape(int v, std::size_t taken)
 {
     const volume::Volume& volume = volumes_.volumes[static_cast<std::size_t>(v)];
     const Ramp&           ramp = volumes_.falloffs[static_cast<std::size_t>(v)].color;
-    const bool            flat = ramp.entryCount() <= 1, capsule = volume.kind == volume::Kind::kCapsule;
+    const bool            flat = ramp.entryCount() <= 1;
+    const bool            divides = on_.particles && !(volume.matrix.affine() && volume.inverse.affine());
     const MColor          only = ramp.color(0.0f);
     for (std::size_t k = 0; k < taken; ++k) {
         Brought& b = brought_[static_cast<std::size_t>(batch_.slot[k])];
@@ -223,12 +224,13 @@ void Walk::takeShape(int v, std::size_t taken)
             b.color = {c.r, c.g, c.b};
         }
         b.target = volume.origin;
-        if (on_.position && capsule) {
-            // a point in no region adds no target but its strength all the same: it goes towards the world's origin
-            const Vec at = block_.at(candidates_.point[static_cast<std::size_t>(batch_.from[k])]);
-            if (!volume::target(volume, at, !on_.particles, b.target))
-                b.target = {};
-        }
+        if (!on_.position || volume.kind != volume::Kind::kCapsule)
+            continue;
+        const Vec at = block_.at(candidates_.point[static_cast<std::size_t>(batch_.from[k])]);
+        if (!divides)
+            b.target = targetInside(volume, at);
+        else if (!volume::target(volume, at, false, b.target))
+            b.target = {};   // no target, but the strength counts: the point goes towards the world's origin
     }
 }
 
