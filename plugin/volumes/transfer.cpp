@@ -20,8 +20,8 @@ struct Brought
     Vec    color, target;
 };
 
-/// One volume's influences that got a slot, and their ramps. Columns of ramps that are not wanted stay as they are made:
-/// kernel 1, the others 0.
+/// One volume's influences that got a slot, and their ramps. Columns of ramps that are not wanted stay as they were
+/// made: kernel 1, the others 0.
 struct Batch
 {
     std::vector<int>   slot, from;   ///< `from`: the candidate
@@ -121,8 +121,11 @@ void Walk::loadValues(std::size_t from)
     const auto count = static_cast<std::size_t>(block_.count);
     const bool kept = on_.merge;
     if (on_.weight) {
-        const std::size_t given = kept && in_.weights && from < in_.weightCount ? std::min(count, in_.weightCount - from) : 0;
-        std::fill(std::copy_n(in_.weights + (given > 0 ? from : 0), given, values_.weight), values_.weight + count, 0.0);
+        const bool        any = kept && in_.weights && from < in_.weightCount;
+        const std::size_t given = any ? std::min(count, in_.weightCount - from) : 0;
+        if (any)
+            std::copy_n(in_.weights + from, given, values_.weight);
+        std::fill(values_.weight + given, values_.weight + count, 0.0);
     }
     if (on_.radius && kept && in_.radii)
         std::copy_n(in_.radii + from, count, values_.radius);
@@ -442,7 +445,8 @@ void loadBlock(const TransferInput& in, std::size_t from, int most, volume::Poin
         block.box = {};
         for (int part = 0; part < block.partCount(); ++part, p += 3 * volume::PointBlock::kPart) {
             const int first = part * volume::PointBlock::kPart;
-            block.parts[part] = boxOfTriples(p, static_cast<std::size_t>(std::min(block.count - first, volume::PointBlock::kPart)));
+            const int points = std::min(block.count - first, volume::PointBlock::kPart);
+            block.parts[part] = boxOfTriples(p, static_cast<std::size_t>(points));
             block.box.add(block.parts[part]);
         }
         return;
