@@ -20,8 +20,8 @@ namespace {
 
 enum Mode : short { kWeightsPerComponent = 0, kWeightPerInfluence = 1 };
 
-/// The weight list under construction: outWeightList[row].weights[column], rows ascending. Elements that are there already
-/// are kept and written again, since others may be connected to them.
+/// The weight list under construction: outWeightList[row].weights[column], rows ascending. Elements that are there
+/// already are kept and written again, since others may be connected to them.
 class WeightList
 {
 public:

@@ -20,8 +20,8 @@ struct Brought
     Vec    color, target;
 };
 
-/// One volume's influences that got a slot, and their ramps. Columns of ramps that are not wanted stay as they are made:
-/// kernel 1, the others 0.
+/// One volume's influences that got a slot, and their ramps. Columns of ramps that are not wanted stay as they were
+/// made: kernel 1, the others 0.
 struct Batch
 {
     std::vector<int>   slot, from;   ///< `from`: the candidate
@@ -121,8 +121,11 @@ void Walk::loadValues(std::size_t from)
     const auto count = static_cast<std::size_t>(block_.count);
     const bool kept = on_.merge;
     if (on_.weight) {
-        const std::size_t given = kept && in_.weights && from < in_.weightCount ? std::min(count, in_.weightCount - from) : 0;
-        std::fill(std::copy_n(in_.weights + (given > 0 ? from : 0), given, values_.weight), values_.weight + count, 0.0);
+        const bool        any = kept && in_.weights && from < in_.weightCount;
+        const std::size_t given = any ? std::min(count, in_.weightCount - from) : 0;
+        if (any)
+            std::copy_n(in_.weights + from, given, values_.weight);
+        std::fill(values_.weight + given, values_.weight + count, 0.0);
     }
     if (on_.radius && kept && in_.radii)
         std::copy_n(in_.radii + from, count, values_.radius);
@@ -214,7 +217,8 @@ void Walk::takeShape(int v, std::size_t taken)
 {
     const volume::Volume& volume = volumes_.volumes[static_cast<std::size_t>(v)];
     const Ramp&           ramp = volumes_.falloffs[static_cast<std::size_t>(v)].color;
-    const bool            flat = ramp.entryCount() <= 1, capsule = volume.kind == volume::Kind::kCapsule;
+    const bool            flat = ramp.entryCount() <= 1;
+    const bool            divides = on_.particles && !(volume.matrix.affine() && volume.inverse.affine());
     const MColor          only = ramp.color(0.0f);
     for (std::size_t k = 0; k < taken; ++k) {
         Brought& b = brought_[static_cast<std::size_t>(batch_.slot[k])];
@@ -223,12 +227,13 @@ void Walk::takeShape(int v, std::size_t taken)
             b.color = {c.r, c.g, c.b};
         }
         b.target = volume.origin;
-        if (on_.position && capsule) {
-            // a point in no region adds no target but its strength all the same: it goes towards the world's origin
-            const Vec at = block_.at(candidates_.point[static_cast<std::size_t>(batch_.from[k])]);
-            if (!volume::target(volume, at, !on_.particles, b.target))
-                b.target = {};
-        }
+        if (!on_.position || volume.kind != volume::Kind::kCapsule)
+            continue;
+        const Vec at = block_.at(candidates_.point[static_cast<std::size_t>(batch_.from[k])]);
+        if (!divides)
+            b.target = targetInside(volume, at);
+        else if (!volume::target(volume, at, false, b.target))
+            b.target = {};   // no target, but the strength counts: the point goes towards the world's origin
     }
 }
 
@@ -440,7 +445,8 @@ void loadBlock(const TransferInput& in, std::size_t from, int most, volume::Poin
         block.box = {};
         for (int part = 0; part < block.partCount(); ++part, p += 3 * volume::PointBlock::kPart) {
             const int first = part * volume::PointBlock::kPart;
-            block.parts[part] = boxOfTriples(p, static_cast<std::size_t>(std::min(block.count - first, volume::PointBlock::kPart)));
+            const int points = std::min(block.count - first, volume::PointBlock::kPart);
+            block.parts[part] = boxOfTriples(p, static_cast<std::size_t>(points));
             block.box.add(block.parts[part]);
         }
         return;

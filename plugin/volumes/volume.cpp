@@ -232,6 +232,18 @@ bool target(const Volume& volume, Vec point, bool homogeneous, Vec& at)
     return true;
 }
 
+Vec targetInside(const Volume& volume, Vec point)
+{
+    if (volume.kind != Kind::kCapsule)
+        return volume.origin;
+    const Vec    local = transformPoint(point, volume.inverse);
+    const Region region = regionOf(volume.capsule, local);
+    const double height = region == Region::kBarrel   ? local.y
+                          : region == Region::kTopCap ? volume.capsule.top
+                                                      : -volume.capsule.bottom;
+    return transformPoint({0.0, height, 0.0}, volume.matrix);
+}
+
 void directionAt(const Volume& volume, Vec point, Vec& direction)
 {
     const int axis = static_cast<int>(volume.direction);

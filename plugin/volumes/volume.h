@@ -115,6 +115,8 @@ double cloudDistance(Vec point, Vec center, double radius);
 /// Where a sphere, cube or capsule pulls the point: its origin, or the nearest place on a capsule's axis. False if the
 /// point is in no region of the capsule. `homogeneous` as for transformPoint.
 bool target(const Volume& volume, Vec point, bool homogeneous, Vec& at);
+/// The same for a point that is known to be inside, at less cost.
+Vec targetInside(const Volume& volume, Vec point);
 /// The direction that a sphere, cube or capsule gives at the point. `direction` stays what it was if the point is in no
 /// region of the capsule.
 void directionAt(const Volume& volume, Vec point, Vec& direction);

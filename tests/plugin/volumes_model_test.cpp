@@ -148,6 +148,7 @@ TEST(Volume, TargetsAndDirections)
         Vec direction{7, 7, 7};
         ASSERT_TRUE(target(capsule, c.point, true, at)) << c.when;
         EXPECT_NEAR(length(at - c.target), 0.0, 1e-12) << c.when;
+        EXPECT_NEAR(length(targetInside(capsule, c.point) - c.target), 0.0, 1e-12) << c.when;
         directionAt(capsule, c.point, direction);
         EXPECT_NEAR(length(direction - c.direction), 0.0, 1e-12) << c.when;
     }
