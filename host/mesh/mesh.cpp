@@ -145,6 +145,18 @@ bool MeshBody::append(const float* newPoints, int newVertices, const int* face, 
     return true;
 }
 
+const query::Tree& MeshBody::tree() const
+{
+    const Buffer<int>& corners = triangles();
+    return surface_->tree.get([&] { return make<query::Tree>(points(), *topology_, corners); });
+}
+
+void MeshBody::dropTree() const
+{
+    if (treeBuilt())
+        surface_ = make<Surface>();   // others that share the parts keep theirs
+}
+
 void MeshBody::bounds(float box[6]) const
 {
     std::fill(box, box + 6, 0.0f);

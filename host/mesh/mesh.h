@@ -16,6 +16,7 @@
 #include "mesh/lazy.h"
 #include "mesh/topology.h"
 #include "mesh/vector3.h"
+#include "query/tree.h"
 
 namespace mirk {
 
@@ -149,6 +150,10 @@ public:
     const CornerNormals& cornerNormals() const;
     bool vertexNormalsBuilt() const { return locked_ ? shading_->vertices.built() : surface_->vertexNormals.built(); }
     bool cornerNormalsBuilt() const { return shading_->corners.built(); }
+    /// For rays and closest points.
+    const query::Tree& tree() const;
+    bool treeBuilt() const { return surface_->tree.built(); }
+    void dropTree() const;
     /// For a UV set that exists.
     const Tangents&    tangents(int uvSet) const;
     /// Box of all points as min xyz, max xyz; all zero for an empty mesh.
@@ -197,7 +202,8 @@ private:
     {
         Lazy<Buffer<F3>>  faceNormals, vertexNormals, vertexNormalsWeighted;
         Lazy<Buffer<int>> triangles;
-        bool built() const
+        Lazy<query::Tree> tree;
+        bool built() const   // the tree follows from the triangles
         {
             return faceNormals.built() || triangles.built() || vertexNormals.built() || vertexNormalsWeighted.built();
         }

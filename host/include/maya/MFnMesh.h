@@ -19,10 +19,26 @@
 
 class MDGModifier;
 
+#define kMFnMeshTolerance 1.0e-3
+#define kMFnMeshPointTolerance 1.0e-10
+
 namespace mirk {
 class MeshBody;
 class MeshTarget;
 }
+
+/// How rays and closest points are to be sped up. Every mesh keeps one tree, built at its first query and shared by all
+/// data that shares its points and faces, whatever is asked for here; the values are kept and can be given everywhere.
+class MMeshIsectAccelParams
+{
+public:
+    MMeshIsectAccelParams() = default;
+
+private:
+    friend class MFnMesh;
+    bool automatic_ = true;
+    int  divisions_[3] = {0, 0, 0};
+};
 
 /// Function set on meshes: mesh data, and shapes, directly or along a DAG path.
 ///
@@ -239,6 +255,62 @@ public:
                          const MString* uvSet = nullptr, float tolerance = 0.0f) const;
     /// The shell of each UV, and how many there are. UVs used by no face are shells of their own.
     MStatus getUvShellsIds(MIntArray& uvShellIds, unsigned int& nbUvShells, const MString* uvSet = nullptr) const;
+
+    // Rays. A parameter counts in lengths of `rayDirection`; hits behind the source have a negative one and count with
+    // `testBothDirections` only, as far as `maxParam` on either side. Both sides of a face are hit, and a face once.
+    // hit = bary1 * v1 + bary2 * v2 + (1 - bary1 - bary2) * v3 with the vertices of the triangle; `hitTriangle` counts
+    // within its face. `faceIds` and `triIds` restrict the search to these faces, or to these triangles of them (two
+    // arrays of one length; `idsSorted`: see sortIntersectionFaceTriIds). `tolerance`: how far outside a triangle, in
+    // barycentric coordinates, is still a hit. Results may be null pointers and are not written without a hit.
+    // kInvalidParameter: a ray that is not finite, no direction, ids out of range. kFailure: no mesh, singular matrix.
+    /// The hit nearest to the source; false if there is none.
+    bool closestIntersection(const MFloatPoint& raySource, const MFloatVector& rayDirection, const MIntArray* faceIds,
+                             const MIntArray* triIds, bool idsSorted, MSpace::Space space, float maxParam,
+                             bool testBothDirections, MMeshIsectAccelParams* accelParams, MFloatPoint& hitPoint,
+                             float* hitRayParam, int* hitFace, int* hitTriangle, float* hitBary1, float* hitBary2,
+                             float tolerance = 1e-6f, MStatus* ReturnStatus = nullptr) const;
+    /// Whatever hit is found first.
+    bool anyIntersection(const MFloatPoint& raySource, const MFloatVector& rayDirection, const MIntArray* faceIds,
+                         const MIntArray* triIds, bool idsSorted, MSpace::Space space, float maxParam,
+                         bool testBothDirections, MMeshIsectAccelParams* accelParams, MFloatPoint& hitPoint,
+                         float* hitRayParam, int* hitFace, int* hitTriangle, float* hitBary1, float* hitBary2,
+                         float tolerance = 1e-6f, MStatus* ReturnStatus = nullptr) const;
+    /// All hits, one a face that is crossed; with `sortHits` by rising parameter.
+    bool allIntersections(const MFloatPoint& raySource, const MFloatVector& rayDirection, const MIntArray* faceIds,
+                          const MIntArray* triIds, bool idsSorted, MSpace::Space space, float maxParam,
+                          bool testBothDirections, MMeshIsectAccelParams* accelParams, bool sortHits,
+                          MFloatPointArray& hitPoints, MFloatArray* hitRayParams, MIntArray* hitFaces,
+                          MIntArray* hitTriangles, MFloatArray* hitBary1s, MFloatArray* hitBary2s,
+                          float tolerance = 1e-6f, MStatus* ReturnStatus = nullptr) const;
+    /// All hits in front of the source, nearest first, in double precision. False, and the arrays stay, without a hit.
+    bool intersect(const MPoint& raySource, const MVector& rayDirection, MPointArray& points,
+                   double tolerance = kMFnMeshPointTolerance, MSpace::Space space = MSpace::kObject,
+                   MIntArray* polygonIds = nullptr, MStatus* ReturnStatus = nullptr) const;
+    /// By face, then by triangle.
+    static MStatus sortIntersectionFaceTriIds(MIntArray* faceIds, MIntArray* triIds);
+    static MMeshIsectAccelParams autoUniformGridParams();
+    static MMeshIsectAccelParams uniformGridParams(int xDiv, int yDiv, int zDiv);
+    /// Frees the mesh's tree; the next query builds it again.
+    MStatus freeCachedIntersectionAccelerator();
+    /// Size and memory of the mesh's tree, or that there is none.
+    MString cachedIntersectionAcceleratorInfo(MStatus* ReturnStatus = nullptr) const;
+
+    // Closest points, in double precision; the distance is that of `space`. A point that is not finite:
+    // kInvalidParameter. A mesh without a face: kFailure. Among equally close triangles the first one counts.
+    MStatus getClosestPoint(const MPoint& toThisPoint, MPoint& theClosestPoint, MSpace::Space space = MSpace::kObject,
+                            int* closestPolygon = nullptr, MMeshIsectAccelParams* accelParams = nullptr) const;
+    /// The normal of the shading there: face-vertex normals, interpolated.
+    MStatus getClosestNormal(const MPoint& toThisPoint, MVector& theNormal, MSpace::Space space = MSpace::kObject,
+                             int* closestPolygon = nullptr, MMeshIsectAccelParams* accelParams = nullptr) const;
+    MStatus getClosestPointAndNormal(const MPoint& toThisPoint, MPoint& theClosestPoint, MVector& theNormal,
+                                     MSpace::Space space = MSpace::kObject, int* closestPolygon = nullptr,
+                                     MMeshIsectAccelParams* accelParams = nullptr) const;
+    /// The UV at the closest point of the mesh, interpolated. kFailure where the face has no UVs.
+    MStatus getUVAtPoint(MPoint& pt, float2& uvPoint, MSpace::Space space = MSpace::kObject,
+                         const MString* uvSet = nullptr, int* closestPolygon = nullptr,
+                         MMeshIsectAccelParams* accelParams = nullptr) const;
+    /// Ids of the UVs nearest to a place in UV space: several if they coincide, none without UVs.
+    MStatus getClosestUVs(float u, float v, MIntArray& uvIds, const MString* uvSet = nullptr) const;
 
 private:
     MStatus bind(const MObject& object, std::shared_ptr<mirk::MeshTarget> target);
