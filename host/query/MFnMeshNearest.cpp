@@ -22,10 +22,7 @@ struct Place
     int  face() const { return body->tree().faceOf(at.triangle); }
     MPoint point() const
     {
-        Vec3 v[3];
-        query::trianglePoints(*body, at.triangle, v);
-        const Vec3   p = v[0] * at.w[0] + v[1] * at.w[1] + v[2] * at.w[2];
-        const double inside[3] = {p.x, p.y, p.z};
+        const double inside[3] = {at.point.x, at.point.y, at.point.z};
         MPoint       out;
         space->pointOut(inside, &out.x);
         return out;

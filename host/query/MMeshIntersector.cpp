@@ -72,16 +72,14 @@ MStatus MMeshIntersector::getClosestPoint(const MPoint& point, MPointOnMesh& inf
     query::Nearest at;
     if (maxDistance < 0 || !kept_->nearest.find(*kept_->tree, kept_->space, p, maxDistance, at))
         return MS::kFailure;
-    Vec3 v[3];
-    query::trianglePoints(*kept_->body, at.triangle, v);
-    const Vec3 q = v[0] * at.w[0] + v[1] * at.w[1] + v[2] * at.w[2], n = cross(v[1] - v[0], v[2] - v[0]);
+    const Vec3   q = at.point, n = at.normal;
     const double l = length(n);
     info.exact_ = MPoint(q.x, q.y, q.z);
     info.exactNormal_ = l > 0 ? MVector(n.x / l, n.y / l, n.z / l) : MVector();
     info.point_ = MFloatPoint(float(q.x), float(q.y), float(q.z));
     info.normal_ = MFloatVector(info.exactNormal_);
     info.face_ = kept_->tree->faceOf(at.triangle);
-    info.triangle_ = at.triangle - firstTriangle(kept_->body->topology(), info.face_);
+    info.triangle_ = kept_->tree->inFace(at.triangle);
     info.u_ = float(at.w[0]);
     info.v_ = float(at.w[1]);
     return MS::kSuccess;

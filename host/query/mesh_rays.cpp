@@ -43,7 +43,6 @@ MStatus MeshRays::aim(const double source[3], const double direction[3], double 
     if (to.sorted && to.faces->length() > 64) {   // the tree is faster than one by one
         listed_ = false;
         filter_.tree = &tree();
-        filter_.topology = &body_.topology();
         filter_.to = &to_;
         ray_.filter = &filter_;
         return MS::kSuccess;
@@ -75,7 +74,7 @@ bool MeshRays::listTriangles(const Restriction& to)
 
 bool MeshRays::SortedFilter::has(int triangle) const
 {
-    const int  face = tree->faceOf(triangle), local = triangle - firstTriangle(*topology, face);
+    const int  face = tree->faceOf(triangle), local = tree->inFace(triangle);
     unsigned   low = 0, high = to->faces->length();
     while (low < high) {
         const unsigned middle = low + (high - low) / 2;
@@ -172,10 +171,7 @@ std::vector<RayHit> MeshRays::all()
 
 void MeshRays::point(const RayHit& hit, double p[3]) const
 {
-    Vec3 v[3];
-    trianglePoints(body_, hit.triangle, v);
-    const Vec3   at = v[0] * hit.w[0] + v[1] * hit.w[1] + v[2] * hit.w[2];
-    const double inside[3] = {at.x, at.y, at.z};
+    const double inside[3] = {hit.point.x, hit.point.y, hit.point.z};
     space_.pointOut(inside, p);
 }
 

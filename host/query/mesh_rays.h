@@ -34,7 +34,7 @@ public:
     std::vector<RayHit> all();
 
     int  faceOf(const RayHit& hit) const { return tree().faceOf(hit.triangle); }
-    int  localTriangle(const RayHit& hit) const { return hit.triangle - firstTriangle(body_.topology(), faceOf(hit)); }
+    int  localTriangle(const RayHit& hit) const { return tree().inFace(hit.triangle); }
     /// In the caller's space.
     void point(const RayHit& hit, double p[3]) const;
 
@@ -49,7 +49,6 @@ private:
     struct SortedFilter final : TriangleFilter
     {
         const Tree*        tree = nullptr;
-        const Topology*    topology = nullptr;
         const Restriction* to = nullptr;
         bool has(int triangle) const override;
     };

@@ -48,9 +48,10 @@ float reach(const Box& b)
 Tree::Tree(const float* points, const Topology& topology, const Buffer<int>& corners, const std::vector<int>* ids)
 {
     const int all = int(corners.size() / 3);
-    faceOf_.resize(size_t(all));
+    faces_.reserve(size_t(all));
     for (int f = 0; f < topology.faceCount(); ++f)
-        std::fill_n(faceOf_.begin() + firstTriangle(topology, f), topology.faceSize(f) - 2, f);
+        for (int k = 0; k < topology.faceSize(f) - 2; ++k)
+            faces_.push_back({f, k});
 
     std::vector<Box> boxes;
     std::vector<int> near, far;
@@ -112,7 +113,7 @@ void Tree::addTo(std::vector<Block>& blocks, const float* points, const Topology
 
 size_t Tree::bytes() const
 {
-    return nodes_.size() * sizeof(BvhNode) + (blocks_.size() + loose_.size()) * sizeof(Block) + faceOf_.size() * sizeof(int);
+    return nodes_.size() * sizeof(BvhNode) + (blocks_.size() + loose_.size()) * sizeof(Block) + faces_.size() * sizeof(Place);
 }
 
 bool intersect(const Vec3 v[3], const Ray& ray, RayHit& hit)
@@ -129,6 +130,7 @@ bool intersect(const Vec3 v[3], const Ray& ray, RayHit& hit)
     hit.w[0] = 1 - u - w;
     hit.w[1] = u;
     hit.w[2] = w;
+    hit.point = v[0] * hit.w[0] + v[1] * u + v[2] * w;
     return true;
 }
 

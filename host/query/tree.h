@@ -40,6 +40,7 @@ struct RayHit
 {
     double t = 0;
     double w[3] = {};      ///< barycentric coordinates: weights of the triangle's vertices
+    Vec3   point;
     int    triangle = -1;
 };
 
@@ -47,6 +48,8 @@ struct Nearest
 {
     double distanceSq = 0;
     double w[3] = {};
+    Vec3   point;
+    Vec3   normal;         ///< of the triangle, twice its area long
     int    triangle = -1;
 };
 
@@ -77,7 +80,9 @@ public:
     /// No further away than `maxDistance`. Without a metric distances are those of the space of the points.
     bool nearest(const Vec3& point, double maxDistance, Nearest& result, const Metric* metric = nullptr) const;
 
-    int    faceOf(int triangle) const { return faceOf_[size_t(triangle)]; }
+    int    faceOf(int triangle) const { return faces_[size_t(triangle)].face; }
+    /// The triangle's number in its face.
+    int    inFace(int triangle) const { return faces_[size_t(triangle)].triangle; }
     size_t triangleCount() const { return count_; }
     size_t nodeCount() const { return nodes_.size(); }
     size_t bytes() const;
@@ -102,7 +107,8 @@ private:
     std::vector<BvhNode> nodes_;
     std::vector<Block>   blocks_;
     std::vector<Block>   loose_;         // too far out for single precision: tested each time
-    std::vector<int>     faceOf_;
+    struct Place { int face, triangle; };
+    std::vector<Place>   faces_;         // of all triangles
     float                extent_ = 0;    // largest coordinate
     double               longestSide_ = 0;
     size_t               count_ = 0;

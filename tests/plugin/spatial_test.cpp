@@ -370,7 +370,7 @@ TEST_F(ShortestPath, PairsOfComponentsObstaclesAndArrays)
     EXPECT_EQ(ints("s.outCounts"), (std::vector<int>{2, 2})) << "the limit of the first pair stays in force";
     run("setAttr n.i -type Int32Array 2 2 -1; setAttr n.d -type doubleArray 2 -1 0.5; connectAttr n.d s.inMaxDistancePP");
     EXPECT_EQ(ints("s.outCounts"), (std::vector<int>{2, 1}));
-    run("disconnectAttr n.i s.inMaxStepPP; disconnectAttr n.d s.inMaxDistancePP; setAttr s.mode 1");
+    run("setAttr n.i -type Int32Array 0; setAttr n.d -type doubleArray 0; setAttr s.mode 1");
     EXPECT_EQ(ints("s.outCounts"), (std::vector<int>{3, 4, 4, 4, 3, 3})) << "starts as the outer loop";
 
     run("setAttr s.mode 2");
@@ -417,7 +417,7 @@ TEST_F(ShortestPath, CurvesColorsAndKeptLengths)
     EXPECT_EQ(ints("s.outIndexPP"), (std::vector<int>{0, 1, 2}));
     expectNear(vectors("s.outPositionPP"), {{-1, 0, 1}, {0, 50, 1}, {1, 0, 1}});
     EXPECT_EQ(doubles("s.outDistancePP"), (std::vector<double>{0, 1, 2}));
-    run("setAttr polyPlane1.subdivisionsX 4");   // other counts: read anew
+    run("string $maker[] = `ls -type polyPlane`; setAttr ($maker[0] + \".subdivisionsX\") 4");   // other counts: read anew
     EXPECT_EQ(ints("s.outCounts").size(), 1u);
 }
 
@@ -478,9 +478,8 @@ TEST_F(Collisions, PushesApartWhatIsTooNear)
     std::vector<MVector> before;
     for (std::size_t i = 0; i < 200; ++i)
         before.push_back(MVector(&xyz[3 * i]));
-    EXPECT_LT(nearest(before), 0.02);
-    EXPECT_GT(nearest(moved), 0.03);
-    EXPECT_GT(nearest(moved), nearest(before));
+    EXPECT_LT(nearest(before), 0.03);
+    EXPECT_GT(nearest(moved), 0.045);
 }
 
 TEST_F(Collisions, GeometryComponentsAndCoincidentPoints)
