@@ -30,3 +30,7 @@ foreach(mode batch interactive)
   add_test(NAME plugin.Load.${mode} COMMAND mirk run ${flag} "${CMAKE_SOURCE_DIR}/tests/plugin/load_test.py")
   set_tests_properties(plugin.Load.${mode} PROPERTIES ENVIRONMENT "MIRK_SCRIPT_PATH=${directory}")
 endforeach()
+
+# examples at small size
+add_test(NAME example.Path COMMAND mirk run "${CMAKE_SOURCE_DIR}/examples/path.py")
+set_tests_properties(example.Path PROPERTIES ENVIRONMENT "MIRK_PATHS=3")

@@ -417,7 +417,7 @@ TEST_F(ShortestPath, CurvesColorsAndKeptLengths)
     EXPECT_EQ(ints("s.outIndexPP"), (std::vector<int>{0, 1, 2}));
     expectNear(vectors("s.outPositionPP"), {{-1, 0, 1}, {0, 50, 1}, {1, 0, 1}});
     EXPECT_EQ(doubles("s.outDistancePP"), (std::vector<double>{0, 1, 2}));
-    run("string $maker[] = `ls -type polyPlane`; setAttr ($maker[0] + \".subdivisionsX\") 4");   // other counts: read anew
+    run("string $maker[] = `ls -type polyPlane`; setAttr ($maker[0] + \".subdivisionsWidth\") 4");   // other counts: read anew
     EXPECT_EQ(ints("s.outCounts").size(), 1u);
 }
 
