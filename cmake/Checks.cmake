@@ -16,6 +16,8 @@ foreach(example arrays_arithmetic arrays_converters arrays_uvs)
 endforeach()
 if(EXISTS /usr/share/glmark2/models/bunny.obj)
   add_test(NAME example.arrays_bunny COMMAND mirk run "${CMAKE_SOURCE_DIR}/examples/arrays_bunny.py")
+  add_test(NAME example.path COMMAND mirk run "${CMAKE_SOURCE_DIR}/examples/path.py")
+  set_tests_properties(example.path PROPERTIES ENVIRONMENT "MIRK_PATHS=3")
 endif()
 
 # loading seen from inside a session, in both modes; each has an empty tools' directory of its own
@@ -30,7 +32,3 @@ foreach(mode batch interactive)
   add_test(NAME plugin.Load.${mode} COMMAND mirk run ${flag} "${CMAKE_SOURCE_DIR}/tests/plugin/load_test.py")
   set_tests_properties(plugin.Load.${mode} PROPERTIES ENVIRONMENT "MIRK_SCRIPT_PATH=${directory}")
 endforeach()
-
-# examples at small size
-add_test(NAME example.Path COMMAND mirk run "${CMAKE_SOURCE_DIR}/examples/path.py")
-set_tests_properties(example.Path PROPERTIES ENVIRONMENT "MIRK_PATHS=3")

@@ -119,7 +119,7 @@ private:
 
 RTCDevice device()
 {
-    // one thread: the order of leaves does not hang on the machine, and a session keeps no idle threads
+    // one thread: the order of leaves does not hang on the machine, and no idle threads are kept
     static RTCDevice d = rtcNewDevice("threads=1");
     return d;
 }

@@ -13,8 +13,6 @@
 #define MIRK_INLINE inline __attribute__((always_inline))
 #define MIRK_LAMBDA __attribute__((always_inline))
 
-#pragma GCC diagnostic ignored "-Wpsabi"   // wide vectors are never passed between translation units
-
 namespace mirk::query {
 
 namespace {
