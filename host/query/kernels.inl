@@ -141,7 +141,7 @@ struct UnitRay
         direction = scaled * (1 / l);
         length = largest * l;
         tMin = r.tMin * length;
-        tMax = r.tMax * length;
+        tMax = std::min(r.tMax * length, DBL_MAX);   // what overflows is no hit
     }
 };
 

@@ -137,7 +137,7 @@ void kdTree::updateTree(MDataBlock& block)
     }
     geometryChanged_ = otherTime;   // what was kept belongs to that other time
     if (!tree_ || leafSize != leafSize_)
-        tree_ = std::make_unique<PointTree>(treePoints_.data(), treePoints_.size() / 3, leafSize);
+        tree_ = std::make_unique<NeighborTree>(treePoints_.data(), treePoints_.size() / 3, leafSize);
     leafSize_ = leafSize;
 }
 

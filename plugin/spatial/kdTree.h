@@ -6,7 +6,7 @@
 #include <memory>
 #include <vector>
 
-#include "spatial/pointTree.h"
+#include "spatial/neighborTree.h"
 
 namespace neighbors {
 struct Result;
@@ -34,7 +34,7 @@ private:
     MStatus writeEmpty(MDataBlock& block);
 
     bool                       geometryChanged_ = true;
-    std::unique_ptr<PointTree> tree_;
+    std::unique_ptr<NeighborTree> tree_;
     int                        leafSize_ = 0;
     std::vector<double>        treePoints_, queries_;   // three values a point
 };

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <limits>
 
-#include "spatial/pointTree.h"
+#include "spatial/neighborTree.h"
 
 namespace neighbors {
 
@@ -60,7 +60,7 @@ std::vector<unsigned int> coherentOrder(const double* queries, std::size_t count
 class Search
 {
 public:
-    Search(const PointTree& tree, const double* points, const double* queries, const Rule& rule)
+    Search(const NeighborTree& tree, const double* points, const double* queries, const Rule& rule)
         : tree_(tree), points_(points), queries_(queries), rule_(rule) {}
 
     /// Appends the neighbours of a query; its mean position goes to `mean`.
@@ -108,17 +108,17 @@ private:
         return n;
     }
 
-    const PointTree&          tree_;
+    const NeighborTree&          tree_;
     const double *            points_, *queries_;
     const Rule&               rule_;
     std::vector<unsigned int> ids_;
     std::vector<double>       distances_;
-    PointTree::Found          found_;
+    NeighborTree::Found          found_;
 };
 
 } // namespace
 
-Result find(const PointTree& tree, const double* points, const double* queries, std::size_t queryCount, const Rule& rule,
+Result find(const NeighborTree& tree, const double* points, const double* queries, std::size_t queryCount, const Rule& rule,
             double* means)
 {
     const std::vector<unsigned int> order = coherentOrder(queries, queryCount);

@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <vector>
 
-class PointTree;
+class NeighborTree;
 
 namespace neighbors {
 
@@ -27,7 +27,7 @@ struct Result
 
 /// Finds them. `means` takes three values a query: the mean position of its neighbours, zero without any. `points` are
 /// those of the tree. Queries are taken in an order that is kind to caches; the result does not depend on it.
-Result find(const PointTree& tree, const double* points, const double* queries, std::size_t queryCount, const Rule& rule,
+Result find(const NeighborTree& tree, const double* points, const double* queries, std::size_t queryCount, const Rule& rule,
             double* means);
 
 /// Mean of the neighbours' values for each query, zero without neighbours. `values` has `stride` values a point of the

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "spatial/pointTree.h"
+#include "spatial/neighborTree.h"
 
 namespace relaxation {
 
@@ -32,7 +32,7 @@ Vec direction(const double* from, const double* to)
 }
 
 /// Moves the point alone, by the mean of what its neighbours push.
-void push(double* point, double radius, const PointTree::Found& found, const std::vector<double>& points)
+void push(double* point, double radius, const NeighborTree::Found& found, const std::vector<double>& points)
 {
     double sum[3] = {};
     for (const auto& [id, distanceSq] : found)
@@ -54,7 +54,7 @@ Shares sharesOf(double radius, double otherRadius, double largestRadius)
     return both > 0.0 ? Shares{otherMass / both, mass / both} : Shares{0.5, 0.5};
 }
 
-void pushBoth(double* point, double radius, const PointTree::Found& found, std::vector<double>& points,
+void pushBoth(double* point, double radius, const NeighborTree::Found& found, std::vector<double>& points,
               const std::vector<double>& radii, double largestRadius)
 {
     for (const auto& [id, distanceSq] : found) {
@@ -72,8 +72,8 @@ void pushBoth(double* point, double radius, const PointTree::Found& found, std::
 void relax(std::vector<double>& points, const std::vector<double>& radii, const std::vector<int>* ids, const Rule& rule)
 {
     const std::size_t count = points.size() / 3;
-    const PointTree   tree(points.data(), count, rule.maxPointsPerLeaf);
-    PointTree::Found  found;
+    const NeighborTree   tree(points.data(), count, rule.maxPointsPerLeaf);
+    NeighborTree::Found  found;
     const auto        visit = [&](std::size_t i) {
         double* const point = &points[3 * i];
         tree.within(point, radii[i], found);

@@ -1,4 +1,4 @@
-#include "spatial/pointTree.h"
+#include "spatial/neighborTree.h"
 
 #include <nanoflann.hpp>
 
@@ -41,7 +41,7 @@ Cloud finitePoints(const double* points, std::size_t n, std::vector<unsigned int
 
 } // namespace
 
-struct PointTree::Index
+struct NeighborTree::Index
 {
     std::vector<unsigned int> ids;     // of the points of the cloud
     Cloud                     cloud;   // finite points, after building in the order of the leaves
@@ -66,16 +66,16 @@ struct PointTree::Index
     }
 };
 
-PointTree::PointTree(const double* points, std::size_t n, int maxPointsPerLeaf)
+NeighborTree::NeighborTree(const double* points, std::size_t n, int maxPointsPerLeaf)
     : index_(std::make_unique<Index>(points, n, maxPointsPerLeaf))
 {
 }
 
-PointTree::~PointTree() = default;
-PointTree::PointTree(PointTree&&) noexcept = default;
-PointTree& PointTree::operator=(PointTree&&) noexcept = default;
+NeighborTree::~NeighborTree() = default;
+NeighborTree::NeighborTree(NeighborTree&&) noexcept = default;
+NeighborTree& NeighborTree::operator=(NeighborTree&&) noexcept = default;
 
-std::size_t PointTree::nearest(const double query[3], std::size_t k, unsigned int* ids, double* distancesSq) const
+std::size_t NeighborTree::nearest(const double query[3], std::size_t k, unsigned int* ids, double* distancesSq) const
 {
     k = std::min(k, index_->ids.size());
     if (k == 0 || !isFinite(query))
@@ -88,7 +88,7 @@ std::size_t PointTree::nearest(const double query[3], std::size_t k, unsigned in
     return result.size();
 }
 
-void PointTree::within(const double query[3], double limit, Found& found) const
+void NeighborTree::within(const double query[3], double limit, Found& found) const
 {
     found.clear();
     if (index_->ids.empty() || !(limit > 0) || !isFinite(query))

@@ -5,16 +5,16 @@
 #include <utility>
 #include <vector>
 
-class PointTree
+class NeighborTree
 {
 public:
     using Found = std::vector<std::pair<unsigned int, double>>;   ///< point and squared distance
 
     /// Over n points of three values, of which a copy is taken. Points that are not finite are never found.
-    PointTree(const double* points, std::size_t n, int maxPointsPerLeaf);
-    ~PointTree();
-    PointTree(PointTree&&) noexcept;
-    PointTree& operator=(PointTree&&) noexcept;
+    NeighborTree(const double* points, std::size_t n, int maxPointsPerLeaf);
+    ~NeighborTree();
+    NeighborTree(NeighborTree&&) noexcept;
+    NeighborTree& operator=(NeighborTree&&) noexcept;
 
     /// Up to k points, nearest first; returns their number. ids and distancesSq have room for k. A query that is not
     /// finite finds nothing.
