@@ -19,6 +19,8 @@ if(EXISTS /usr/share/glmark2/models/bunny.obj)
   add_test(NAME example.components COMMAND mirk run "${CMAKE_SOURCE_DIR}/examples/components.py")
   add_test(NAME example.wave COMMAND mirk run "${CMAKE_SOURCE_DIR}/examples/wave.py" --frames 1-2
            --render "${CMAKE_BINARY_DIR}/wave.##.png" --width 160 --height 90)
+  add_test(NAME example.path COMMAND mirk run "${CMAKE_SOURCE_DIR}/examples/path.py")
+  set_tests_properties(example.path PROPERTIES ENVIRONMENT "MIRK_PATHS=3")
 endif()
 
 add_test(NAME example.volumes COMMAND mirk run "${CMAKE_SOURCE_DIR}/examples/volumes.py" --frames 11-13)

@@ -11,11 +11,13 @@ struct Box
     float lo[3], hi[3];
 };
 
-/// Four children. Unused ones come last and have a box that nothing meets.
+constexpr int kBranching = 8;
+
+/// Eight children. Unused ones come last and have a box that nothing meets.
 struct alignas(64) BvhNode
 {
-    float   bounds[6][4];   ///< lo x, hi x, lo y, hi y, lo z, hi z
-    int32_t child[4];       ///< a node; or ~leaf
+    float   bounds[6][kBranching];   ///< lo x, hi x, lo y, hi y, lo z, hi z
+    int32_t child[kBranching];       ///< a node; or ~leaf
 };
 
 constexpr int kLeafSize = 4;   ///< boxes in a leaf, at most

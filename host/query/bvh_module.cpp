@@ -16,8 +16,8 @@ struct Inner
 {
     bool      leaf;
     unsigned  count;
-    Inner*    child[4];
-    RTCBounds bounds[4];
+    Inner*    child[kBranching];
+    RTCBounds bounds[kBranching];
 };
 
 struct Leaf
@@ -119,7 +119,7 @@ private:
 
 RTCDevice device()
 {
-    // one thread: the order of leaves does not hang on the machine, and a session keeps no idle threads
+    // one thread: the order of leaves does not hang on the machine, and no idle threads are kept
     static RTCDevice d = rtcNewDevice("threads=1");
     return d;
 }
@@ -151,9 +151,10 @@ extern "C" bool mirkBuildBvh(const Box* boxes, size_t count, Bvh& out)
     }
     RTCBVH bvh = rtcNewBVH(device());
     RTCBuildArguments arguments = rtcDefaultBuildArguments();
-    arguments.maxBranchingFactor = 4;
+    arguments.maxBranchingFactor = kBranching;
     arguments.maxDepth = 64;
     arguments.sahBlockSize = kLeafSize;
+    arguments.minLeafSize = kLeafSize;   // a fuller leaf costs no more than one triangle, and memory is what a ray waits for
     arguments.maxLeafSize = kLeafSize;
     arguments.bvh = bvh;
     arguments.primitives = primitives.data();

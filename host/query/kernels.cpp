@@ -13,8 +13,6 @@
 #define MIRK_INLINE inline __attribute__((always_inline))
 #define MIRK_LAMBDA __attribute__((always_inline))
 
-#pragma GCC diagnostic ignored "-Wpsabi"   // wide vectors are never passed between translation units
-
 namespace mirk::query {
 
 namespace {
@@ -26,9 +24,11 @@ namespace plain {
 #if defined(__x86_64__)
 #pragma GCC push_options
 #pragma GCC target("avx2")
+#define MIRK_AVX2   // the compiler's own macro does not follow the pragma
 namespace avx2 {
 #include "query/kernels.inl"
 }
+#undef MIRK_AVX2
 #pragma GCC pop_options
 #else
 namespace avx2 = plain;

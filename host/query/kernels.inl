@@ -1,29 +1,37 @@
-// The walks through the tree, four boxes and four triangles at a time. Included once for each kind of processor, inside a
+// The walks through the tree, eight boxes and four triangles at a time. Included once for each kind of processor, inside a
 // namespace of its own; all give the same bits, as none contracts multiplications and additions.
 
 using F4 = float __attribute__((vector_size(16)));
-using I4 = int __attribute__((vector_size(16)));
+using F8 = float __attribute__((vector_size(32)));
+using I8 = int __attribute__((vector_size(32)));
 using D4 = double __attribute__((vector_size(32)));
 using M4 = long long __attribute__((vector_size(32)));
 
-MIRK_INLINE F4 load(const float* p) { return *reinterpret_cast<const F4*>(p); }
-MIRK_INLINE D4 widen(const float* p) { return __builtin_convertvector(load(p), D4); }
-MIRK_INLINE F4 splat(float x) { return F4{x, x, x, x}; }
+MIRK_INLINE F8 load(const float* p) { return *reinterpret_cast<const F8*>(p); }
+#if defined(MIRK_AVX2)
+MIRK_INLINE D4 widen(const float* p) { return D4(_mm256_cvtps_pd(_mm_load_ps(p))); }
+#else
+MIRK_INLINE D4 widen(const float* p) { return __builtin_convertvector(*reinterpret_cast<const F4*>(p), D4); }
+#endif
+MIRK_INLINE F8 splat(float x) { return F8{x, x, x, x, x, x, x, x}; }
 MIRK_INLINE D4 splat(double x) { return D4{x, x, x, x}; }
 
-#if defined(__AVX2__)
+#if defined(MIRK_AVX2)
 MIRK_INLINE unsigned lanesOf(M4 m) { return unsigned(_mm256_movemask_pd(__m256d(m))); }
+MIRK_INLINE unsigned lanesOf(I8 m) { return unsigned(_mm256_movemask_ps(__m256(m))); }
+MIRK_INLINE F8 lower(F8 a, F8 b) { return F8(_mm256_min_ps(__m256(a), __m256(b))); }
+MIRK_INLINE F8 upper(F8 a, F8 b) { return F8(_mm256_max_ps(__m256(a), __m256(b))); }
 #else
 MIRK_INLINE unsigned lanesOf(M4 m) { return (m[0] & 1u) | (m[1] & 2u) | (m[2] & 4u) | (m[3] & 8u); }
-#endif
-#if defined(__x86_64__)
-MIRK_INLINE F4 lower(F4 a, F4 b) { return F4(_mm_min_ps(__m128(a), __m128(b))); }
-MIRK_INLINE F4 upper(F4 a, F4 b) { return F4(_mm_max_ps(__m128(a), __m128(b))); }
-MIRK_INLINE unsigned lanesOf(I4 m) { return unsigned(_mm_movemask_ps(__m128(m))); }
-#else
-MIRK_INLINE F4 lower(F4 a, F4 b) { return a < b ? a : b; }
-MIRK_INLINE F4 upper(F4 a, F4 b) { return a > b ? a : b; }
-MIRK_INLINE unsigned lanesOf(I4 m) { return (m[0] & 1u) | (m[1] & 2u) | (m[2] & 4u) | (m[3] & 8u); }
+MIRK_INLINE unsigned lanesOf(I8 m)
+{
+    unsigned lanes = 0;
+    for (int i = 0; i < kBranching; ++i)
+        lanes |= unsigned(m[i]) & (1u << i);
+    return lanes;
+}
+MIRK_INLINE F8 lower(F8 a, F8 b) { return a < b ? a : b; }
+MIRK_INLINE F8 upper(F8 a, F8 b) { return a > b ? a : b; }
 #endif
 
 struct D3 { D4 x, y, z; };
@@ -47,15 +55,16 @@ MIRK_INLINE void prefetch(const Tree& tree, int32_t child)
                                 : reinterpret_cast<const char*>(tree.blocks().data() + ~child);
     __builtin_prefetch(at);
     __builtin_prefetch(at + 64);
-    if (child < 0)
-        __builtin_prefetch(at + 128);
+    __builtin_prefetch(at + 128);
+    if (child >= 0)
+        __builtin_prefetch(at + 192);
 }
 
 /// Children still to be looked at, the nearest on top.
 struct Stack
 {
     struct Entry { int32_t child; float distance; };
-    Entry entry[1024];   // the builder goes no deeper than about 80 levels, three entries each
+    Entry entry[1024];   // the builder goes no deeper than about 80 levels, seven entries each
     int   size = 0;
 
     MIRK_INLINE void push(int32_t child, float distance)
@@ -64,7 +73,7 @@ struct Stack
             entry[size++] = {child, distance};
     }
     /// Pushes the lanes of a node, farthest first.
-    MIRK_INLINE void push(const Tree& tree, const BvhNode& node, unsigned lanes, F4 distances)
+    MIRK_INLINE void push(const Tree& tree, const BvhNode& node, unsigned lanes, F8 distances)
     {
         const int from = size;
         for (; lanes; lanes &= lanes - 1) {
@@ -132,7 +141,7 @@ struct UnitRay
         direction = scaled * (1 / l);
         length = largest * l;
         tMin = r.tMin * length;
-        tMax = r.tMax * length;
+        tMax = std::min(r.tMax * length, DBL_MAX);   // what overflows is no hit
     }
 };
 
@@ -156,11 +165,11 @@ MIRK_INLINE void walk(const Tree& tree, const Ray& ray, const UnitRay& unit, F l
     }
     const float margin = float(6e-7 * (reach + tree.extent()) + ray.tolerance * tree.longestSide() + 1e-30);
     const BoxRay box(ray.origin, unit.direction, margin);
-    const F4 onx = splat(box.originNear[0]), ony = splat(box.originNear[1]), onz = splat(box.originNear[2]);
-    const F4 ofx = splat(box.originFar[0]), ofy = splat(box.originFar[1]), ofz = splat(box.originFar[2]);
-    const F4 ix = splat(box.inverse[0]), iy = splat(box.inverse[1]), iz = splat(box.inverse[2]);
+    const F8 onx = splat(box.originNear[0]), ony = splat(box.originNear[1]), onz = splat(box.originNear[2]);
+    const F8 ofx = splat(box.originFar[0]), ofy = splat(box.originFar[1]), ofz = splat(box.originFar[2]);
+    const F8 ix = splat(box.inverse[0]), iy = splat(box.inverse[1]), iz = splat(box.inverse[2]);
     const int nx = box.near[0], ny = box.near[1], nz = box.near[2];
-    const F4 start = splat(float(std::max(unit.tMin, 0.0) * 0.999999));
+    const F8 start = splat(float(std::max(unit.tMin, 0.0) * 0.999999));
     float limit = float(std::min(tMax * 1.000001, 1e30));
 
     Stack stack;
@@ -172,11 +181,11 @@ MIRK_INLINE void walk(const Tree& tree, const Ray& ray, const UnitRay& unit, F l
         int32_t child = top.child;
         while (child >= 0) {
             const BvhNode& n = tree.nodes()[child];
-            const F4 from = upper(upper((load(n.bounds[nx]) - onx) * ix, (load(n.bounds[ny]) - ony) * iy),
+            const F8 from = upper(upper((load(n.bounds[nx]) - onx) * ix, (load(n.bounds[ny]) - ony) * iy),
                                   upper((load(n.bounds[nz]) - onz) * iz, start));
-            const F4 to = lower(lower((load(n.bounds[nx ^ 1]) - ofx) * ix, (load(n.bounds[ny ^ 1]) - ofy) * iy),
+            const F8 to = lower(lower((load(n.bounds[nx ^ 1]) - ofx) * ix, (load(n.bounds[ny ^ 1]) - ofy) * iy),
                                 lower((load(n.bounds[nz ^ 1]) - ofz) * iz, splat(limit)));
-            unsigned lanes = lanesOf(from <= to * splat(1.000001f));
+            unsigned lanes = lanesOf(I8(from <= to * splat(1.000001f)));
             if (!lanes)
                 break;
             if (!(lanes & (lanes - 1))) {   // one: no detour over the stack
@@ -311,7 +320,7 @@ struct Search
         }
         const D4 d = distancesSq(v0, v1, v2);
         bool better = false;
-        for (unsigned lanes = lanesOf(d <= splat(best)); lanes; lanes &= lanes - 1) {
+        for (unsigned lanes = lanesOf(M4(d <= splat(best))); lanes; lanes &= lanes - 1) {
             const int i = __builtin_ctz(lanes);
             if (d[i] < best || (d[i] == best && b.id[i] < triangle)) {
                 best = d[i];
@@ -343,7 +352,7 @@ MIRK_INLINE void search(const Tree& tree, Search& s, const Metric* metric)
         const double d = std::sqrt(distanceSq) * shrink * 1.000001 + margin;
         return float(std::min(d * d, 1e38));
     };
-    const F4 x = splat(float(s.point.x)), y = splat(float(s.point.y)), z = splat(float(s.point.z)), zero = splat(0.0f);
+    const F8 x = splat(float(s.point.x)), y = splat(float(s.point.y)), z = splat(float(s.point.z)), zero = splat(0.0f);
     float limit = limitOf(s.best);
 
     Stack stack;
@@ -355,11 +364,11 @@ MIRK_INLINE void search(const Tree& tree, Search& s, const Metric* metric)
         int32_t child = top.child;
         while (child >= 0) {
             const BvhNode& n = tree.nodes()[child];
-            const F4 dx = upper(upper(load(n.bounds[0]) - x, x - load(n.bounds[1])), zero);
-            const F4 dy = upper(upper(load(n.bounds[2]) - y, y - load(n.bounds[3])), zero);
-            const F4 dz = upper(upper(load(n.bounds[4]) - z, z - load(n.bounds[5])), zero);
-            const F4 d = dx * dx + dy * dy + dz * dz;
-            const unsigned lanes = lanesOf(d <= splat(limit));
+            const F8 dx = upper(upper(load(n.bounds[0]) - x, x - load(n.bounds[1])), zero);
+            const F8 dy = upper(upper(load(n.bounds[2]) - y, y - load(n.bounds[3])), zero);
+            const F8 dz = upper(upper(load(n.bounds[4]) - z, z - load(n.bounds[5])), zero);
+            const F8 d = dx * dx + dy * dy + dz * dz;
+            const unsigned lanes = lanesOf(I8(d <= splat(limit)));
             if (!lanes)
                 break;
             stack.push(tree, n, lanes, d);

@@ -32,7 +32,7 @@ MStatus MeshRays::aim(const double source[3], const double direction[3], double 
     const double parts[3] = {along.x, along.y, along.z};
     if (!finite(origin) || !finite(parts) || (along.x == 0 && along.y == 0 && along.z == 0))
         return MS::kInvalidParameter;
-    ray_ = {{origin[0], origin[1], origin[2]}, along, 0, maxParam, tolerance, nullptr};
+    ray_ = {{origin[0], origin[1], origin[2]}, along, 0, std::min(maxParam, DBL_MAX), tolerance, nullptr};
     both_ = bothDirections;
     to_ = to;
     listed_ = to.faces != nullptr;

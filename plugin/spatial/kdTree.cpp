@@ -89,10 +89,10 @@ MStatus kdTree::compute(const MPlug& plug, MDataBlock& block)
     const std::size_t         queryCount = queries_.size() / 3;
     const bool                perQueryCount = MPlug(thisMObject(), aInCountPP).isConnected();
     const bool                perQueryRadius = MPlug(thisMObject(), aInRadiusPP).isConnected();
-    const ArrayView           countView = viewArray(block, aInCountPP, {MFn::kIntArrayData});
-    const ArrayView           radiusView = viewArray(block, aInRadiusPP, {MFn::kDoubleArrayData});
+    const ArrayView           countView = viewArray(block, aInCountPP), radiusView = viewArray(block, aInRadiusPP);
     const std::vector<int>    counts = fitted(countView.ints, countView.length, perQueryCount ? queryCount : 0);
-    const std::vector<double> radii = fitted(radiusView.doubles, radiusView.length, perQueryRadius ? queryCount : 0);
+    const double* const       factors = radiusView.kind == MFn::kDoubleArrayData ? radiusView.doubles : nullptr;
+    const std::vector<double> radii = fitted(factors, radiusView.length, perQueryRadius ? queryCount : 0);
 
     neighbors::Rule rule;
     rule.treeCount = treePoints_.size() / 3;

@@ -61,11 +61,12 @@ MStatus resolvePointCollisions::compute(const MPlug& plug, MDataBlock& block)
     rule.mutual = block.inputValue(aMutual).asBool();
 
     const double        radius = block.inputValue(aRadius).asFloat();
-    const ArrayView     factors = viewArray(block, aInRadiusPP, {MFn::kDoubleArrayData});
-    std::vector<double> radii(count, factors.length > 0 ? 0.0 : radius);
-    for (std::size_t i = 0; i < std::min<std::size_t>(count, factors.length); ++i)
+    const ArrayView     factors = viewArray(block, aInRadiusPP);
+    const bool          ofPoints = factors.kind == MFn::kDoubleArrayData && factors.length > 0;
+    std::vector<double> radii(count, ofPoints ? 0.0 : radius);
+    for (std::size_t i = 0; ofPoints && i < std::min<std::size_t>(count, factors.length); ++i)
         radii[i] = factors.doubles[i] * radius;
-    if (factors.length > 0 && block.inputValue(aRadiusAffectsMass).asBool())
+    if (ofPoints && block.inputValue(aRadiusAffectsMass).asBool())
         for (const double r : radii)
             rule.largestRadius = std::max(rule.largestRadius, r);
 

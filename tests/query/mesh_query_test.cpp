@@ -21,7 +21,6 @@
 
 using namespace mirk;
 using namespace mirk::test;
-using namespace mirk::primitives;
 
 namespace {
 
