@@ -1,5 +1,7 @@
 #include "mel/interpreter.h"
 
+#include <utility>
+
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -150,7 +152,7 @@ Value call(std::string_view name, const std::vector<Value>& args)
     return m.callByName(std::string(name), args);
 }
 
-void setSinks(Sinks sinks) { g_sinks = sinks; }
+Sinks setSinks(Sinks sinks) { return std::exchange(g_sinks, sinks); }
 
 void print(std::string_view text)
 {

@@ -31,7 +31,7 @@ struct Sinks
     void (*message)(Severity, std::string_view) = nullptr;
 };
 /// What has no sink goes to the host's messages.
-void setSinks(Sinks sinks);
+Sinks setSinks(Sinks sinks);   ///< gives those before
 void print(std::string_view text);
 void message(Severity severity, std::string_view text);
 

@@ -10,6 +10,7 @@
 #include <thread>
 
 #include "command/registry.h"
+#include "command/startup.h"
 #include "mel/interpreter.h"
 
 namespace mirk::mel {
@@ -48,12 +49,15 @@ struct Mel : ::testing::Test
 {
     void SetUp() override
     {
+        startHost();
         command::add(kCommands);
-        setSinks({capturePrint, captureMessage});
+        before_ = setSinks({capturePrint, captureMessage});
         g_printed.clear();
         g_errors.clear();
     }
-    void TearDown() override { setSinks({}); }
+    void TearDown() override { setSinks(before_); }
+
+    Sinks before_;   ///< the host's
 };
 
 struct Expectations { std::vector<std::string> lines, errors; };
