@@ -234,3 +234,27 @@ TEST_F(ArrayArithmetic, Randomize)
         {"unconnected", "randomizeArray", "", {}, kNothing},
     });
 }
+
+/// Nodes work on blocks of long arrays: what they give must not show it.
+TEST_F(ArrayArithmetic, LongArrays)
+{
+    Array vectors{'v', {}}, doubles{'d', {}}, shifted{'p', {}}, sum{'d', {}};
+    for (int i = 0; i < 3 * 5001; ++i)
+        vectors.values.push_back(i * 0.5);
+    for (int i = 0; i < 9001; ++i)
+        doubles.values.push_back(i);
+    for (std::size_t i = 0; i < vectors.values.size(); i += 3)
+        shifted.values.insert(shifted.values.end(), {vectors.values[i] + 1, vectors.values[i + 1] + 1, vectors.values[i + 2] + 1, 1});
+    Array few{'d', {doubles.values.begin(), doubles.values.begin() + 4100}};
+    for (int i = 0; i < 9001; ++i)
+        sum.values.push_back(i < 4100 ? 3.0 * i : 2.0 * i);
+    Array tail{'v', {doubles.values.begin(), doubles.values.begin() + 9000}};   // 9001 make 3000 vectors
+    expectArrays({
+        {"remap", "remapArray", "setAttr n.shift 1; setAttr n.shiftValue 1; setAttr n.outArrayType 2", {{"inArray", vectors}}, shifted},
+        {"remap with a tail", "remapArray", "setAttr n.outArrayType 1", {{"inArray", doubles}}, tail},
+        {"merge, short first", "mergeArrays", "setAttr n.inArrays[1].multiplier 2",
+         {{"inArrays[0].inArray", few}, {"inArrays[1].inArray", doubles}}, sum},
+        {"merge, long first", "mergeArrays", "setAttr n.inArrays[0].multiplier 2",
+         {{"inArrays[0].inArray", doubles}, {"inArrays[1].inArray", few}}, sum},
+    });
+}
