@@ -700,7 +700,8 @@ void takeOut(Cell& element)
     multi.node->removed.push_back(&element);
     eval::noteRemoved(*multi.node);
     scene().modified = true;
-    eval::spread(multi);
+    if (!multi.node->computing)   // dirt that reaches a computing node is dropped; whoever reads it is dirty already
+        eval::spread(multi);
 }
 
 void putBack(Cell& element)

@@ -20,6 +20,7 @@ struct State
     int                      depth = 0;
     Node*                    node = nullptr;
     std::vector<Cell*>       queue;      // of `spread`
+    std::vector<std::pair<const Node*, const Attribute*>> marked;   // multis that the running spread has been through
     std::vector<Cell*>       written;    // data set in running computes, to be sealed
     std::vector<Ref<Object>> later;
     std::vector<Ref<Node>>   withRemoved;
@@ -141,8 +142,26 @@ void markAcross(Node& node, const Attribute& a)
         }
 }
 
+/// True if all elements of the attribute were marked a moment ago: many inputs affect the same long multi, nothing is
+/// read while dirt spreads, and once is enough.
+bool markedBefore(Node& node, const Attribute& a)
+{
+    if (other::walking || !(a.isArray() || a.hasArrayAncestor()))
+        return false;
+    constexpr size_t kBack = 16;
+    auto&            marked = state().marked;
+    const std::pair<const Node*, const Attribute*> entry(&node, &a);
+    const auto from = marked.end() - std::ptrdiff_t(std::min(marked.size(), kBack));
+    if (std::find(from, marked.end(), entry) != marked.end())
+        return true;
+    marked.push_back(entry);
+    return false;
+}
+
 void markAll(Node& node, const Attribute& a)
 {
+    if (markedBefore(node, a))
+        return;
     if (node.type->onDirty)
         markAcross(node, a);
     if (Cell* c = node.cellIfAny(&a)) {
@@ -438,12 +457,14 @@ void spreadHere(Cell& cell)
 {
     auto& queue = state().queue;
     const size_t base = queue.size();
+    state().marked.clear();
     queue.push_back(&cell);
     while (queue.size() > base) {
         Cell* c = queue.back();
         queue.pop_back();
         visit(*c);
     }
+    state().marked.clear();
 }
 
 void dirtyHere(Cell& cell)

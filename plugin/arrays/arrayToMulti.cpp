@@ -17,7 +17,7 @@ MStatus clearList(MDataBlock& block, const MObject& list)
     MArrayDataHandle   elements = block.outputArrayValue(list);
     MArrayDataBuilder  builder = elements.builder();
     const unsigned int count = elements.elementCount();
-    for (unsigned int i = 0; i < count; ++i)
+    for (unsigned int i = count; i-- > 0;)   // from the end, where nothing has to move up
         builder.removeElement(i);
     return elements.set(builder);
 }

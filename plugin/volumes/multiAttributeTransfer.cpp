@@ -43,9 +43,9 @@ public:
     void write()
     {
         closeRow();
-        for (const unsigned int row : before_) {
-            if (!std::binary_search(written_.begin(), written_.end(), row))
-                rows_.removeElement(row);
+        for (auto row = before_.rbegin(); row != before_.rend(); ++row) {   // from the end, where nothing has to move up
+            if (!std::binary_search(written_.begin(), written_.end(), *row))
+                rows_.removeElement(*row);
         }
         list_.set(rows_);
         list_.setAllClean();
