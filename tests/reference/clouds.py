@@ -2,7 +2,7 @@
 import maya.cmds as mc
 
 from algebra import single, vector
-from scenes import (componentText, feed, pointNormals, randomCurve, randomMesh, randomParticles, randomSurface)
+from scenes import (componentNames, componentText, feed, pointNormals, randomCurve, randomMesh, randomParticles, randomSurface)
 
 
 class Inputs:
@@ -56,7 +56,7 @@ def meshSource(rng, node, inputs):
         colors = [inputs.color + (inputs.alpha,)] * count
     radii = arrayInput(rng, node, 'inMeshRadiusPP', 'inMeshUseRadiusPP', count, inputs.radius)
     weights = arrayInput(rng, node, 'inMeshWeightPP', 'inMeshUseWeightPP', count, inputs.weight)
-    kept = subset(rng, node, 'inMesh', componentText('vtx', range(count)))
+    kept = subset(rng, node, 'inMesh', componentNames(geometry))
     return gathered(kept, geometry.points, pointNormals(geometry), radii, weights, colors)
 
 
@@ -94,11 +94,7 @@ def nurbsSource(rng, node, inputs, kind):
         if mode == 'point':
             values = [c + (0.5,) for c in values]
         feed(node + '.' + prefix + 'RgbaPP', mode + 'Array', values)
-    if kind == 'Curve':
-        names = componentText('cv', range(count))
-    else:
-        names = ['cv[%d][%d]' % (u, v) for u in range(geometry.size[0]) for v in range(geometry.size[1])]
-    kept = subset(rng, node, prefix, names)
+    kept = subset(rng, node, prefix, componentNames(geometry))
     return gathered(kept, geometry.points, pointNormals(geometry), radii, weights, colors)
 
 

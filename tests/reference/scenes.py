@@ -308,3 +308,19 @@ def connectVolumes(rng, consumer, made):
         volumes.append(volume)
         index += rng.randint(1, 3)
     return volumes
+
+
+def componentNames(geometry):
+    """A name for each point, as component lists have it."""
+    if geometry.kind == 'surface':
+        return ['cv[%d][%d]' % (u, v) for u in range(geometry.size[0]) for v in range(geometry.size[1])]
+    return componentText('cv' if geometry.kind == 'curve' else 'vtx', range(len(geometry.points)))
+
+
+def feedComponents(rng, plug, geometry, chosen):
+    """The chosen points at a plug that takes component lists, and for particles int arrays as well."""
+    if geometry.kind == 'particles' and rng.random() < 0.5:
+        feed(plug, 'Int32Array', chosen)
+    else:
+        names = componentNames(geometry)
+        feed(plug, 'componentList', [names[i] for i in chosen])

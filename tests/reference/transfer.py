@@ -146,7 +146,7 @@ class Work:
         if self.several:
             strength = strength / self.total if self.total else 0.0
         new, old = unit(sum_), self.start['normal']
-        size = length(old) if self.settings['particles'] else 1.0
+        size = length(self.old['normal']) if self.settings['particles'] else 1.0     # kept, even if cleared
         if self.settings['blend']:
             if self.settings['particles']:
                 old = unit(old)

@@ -24,21 +24,30 @@ def between(entries, d):
 
 
 class Ramps:
-    """Ramp look-ups; `shift` moves every look-up a little, to see whether a result hangs on a step."""
+    """Ramp look-ups.
 
-    def __init__(self, shift=0.0):
-        self.shift = shift
+    `shift` moves look-ups and their values a little, to see whether a result hangs on a step or on rounding to single
+    precision; up or down by the bits of `bits`, in turns of four.
+    """
+
+    def __init__(self, shift=0.0, bits=15):
+        self.shift, self.bits, self.turn = shift, bits, 0
+
+    def moved(self):
+        self.turn = (self.turn + 1) % 4
+        return self.shift if self.bits >> self.turn & 1 else -self.shift
 
     def value(self, entries, d):
         if math.isnan(d):
             return math.nan
-        low, high, t = between(entries, single(d) + self.shift)
-        return low[1] + (high[1] - low[1]) * t
+        shift = self.moved()
+        low, high, t = between(entries, single(d) + shift)
+        return low[1] + (high[1] - low[1]) * t + shift * max(abs(low[1]), abs(high[1]))
 
     def color(self, entries, d):
         if math.isnan(d):
             return (math.nan,) * 3
-        low, high, t = between(entries, single(d) + self.shift)
+        low, high, t = between(entries, single(d) + self.moved())
         return tuple(a + (b - a) * t for a, b in zip(low[1], high[1]))
 
 
@@ -108,14 +117,14 @@ class Volume:
         return [(d, -1)] if d <= 1 else []
 
     def target(self, p, j, cartesian):
-        """Where p is pulled to; None in a capsule's gap."""
+        """Where p is pulled to; None in a capsule's gap. Not `cartesian`: w is left out of account for capsules."""
         if self.kind == CLOUD:
             return self.cloud[0][j]
         if self.kind != CAPSULE:
             return self.origin
-        local = self.local(p)
-        region = self.capsule(local)[0]
-        if region is None:
+        local = self.local(p) if cartesian else homogeneous(p, self.inverse)[:3]
+        region, d = self.capsule(local)
+        if region is None or not cartesian and d > 1:
             return None
         onAxis = {BARREL: local[1], TOP: self.top, BOTTOM: -self.bottom}[region]
         to = (0.0, onAxis, 0.0)
