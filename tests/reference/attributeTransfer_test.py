@@ -100,7 +100,8 @@ def randomSubset(rng, node, geometry):
     count = len(geometry.points)
     if rng.random() < 0.7:
         return None
-    chosen = sorted(set(rng.sample(range(count), rng.randint(1, count))) | ({count - 1} if rng.random() < 0.8 else set()))
+    some = set(rng.sample(range(count), rng.randint(1, rng.choice((count, 1)))))       # few: clouds may miss their box
+    chosen = sorted(some | ({count - 1} if rng.random() < 0.8 else set()))
     mc.setAttr(node + '.useComponents', 1)
     scenes.feedComponents(rng, node + '.inComponents', geometry, chosen)
     return chosen

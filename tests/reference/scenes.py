@@ -179,7 +179,7 @@ def randomSurface(rng):
 
 
 def randomParticles(rng):
-    local = [tuple(rng.uniform(-1.5, 1.5) for _ in range(3)) for _ in range(rng.randint(1, 40))]
+    local = [tuple(rng.uniform(-1.5, 1.5) for _ in range(3)) for _ in range(rng.randint(1, rng.choice((40, 40, 3))))]
     return Geometry('particles', source('vectorArray', local), local, IDENTITY)
 
 
@@ -284,8 +284,8 @@ def randomVolume(rng, cloud, kinds=(SPHERE, CUBE, CAPSULE, CLOUD)):
     feed(node + '.inParentMatrix', 'matrix', where['matrix'])
     for name, attribute in RAMPS.items():
         if rng.random() < 0.6:
-            low = -0.3 if name in ('weight', 'radius') and rng.random() < 0.3 else 0.0
-            where['ramps'][name] = randomRamp(rng, low, color=name == 'color')
+            low, high = (-0.3, 1.6) if name in ('weight', 'radius') and rng.random() < 0.3 else (0.0, 1.0)
+            where['ramps'][name] = randomRamp(rng, low, high, name == 'color')
             setRamp('%s.%s' % (node, attribute), where['ramps'][name])
     if kind == CLOUD:
         where['cloud'] = cloud(rng, node)
