@@ -9,8 +9,8 @@ import clouds
 import compare
 import scenes
 from algebra import Box
-from transfer import nearest, weightPerPoint, weightsPerVolume
-from volumes import CAPSULE, CLOUD, CUBE, SPHERE, Ramps
+from transfer import weightPerPoint, weightsPerVolume
+from volumes import Ramps
 
 
 def cloud(rng, node):
@@ -50,10 +50,8 @@ def scene(rng):
     node = mc.createNode('multiAttributeTransfer')
     mc.connectAttr(geometry.plug, node + '.inGeometry')
     settings = randomSettings(rng, node)
-    # beyond their surface only spheres and cubes have a distance that goes on
-    closest = settings['mode'] == 1 and settings['weightFreePointsTo'] == 2
-    kinds = (SPHERE, CUBE) if closest else (SPHERE, CUBE, CAPSULE, CLOUD)
-    volumes = scenes.connectVolumes(rng, node, [scenes.randomVolume(rng, cloud, kinds) for _ in range(rng.randint(1, 6))])
+    made = [scenes.randomVolume(rng, cloud) for _ in range(rng.randint(1, 6))]
+    volumes = scenes.connectVolumes(rng, node, made)
     chosen, filtered = chosenPoints(rng, node, geometry)
     box = Box([geometry.points[i] for i in chosen])
 

@@ -187,7 +187,7 @@ def nearest(p, volumes):
         if volume.kind == CLOUD:
             away = [length(sub(p, q)) / r for q, r in zip(volume.cloud[0], volume.cloud[2]) if r > 0]
         else:
-            away = [volume.distance(p)]
+            away = [volume.beyond(p)]
         for d in away:
             if best is None or d < best[0]:
                 best = (d, index)

@@ -91,6 +91,21 @@ class Volume:
             return BOTTOM, math.sqrt(ratio(x, bx) ** 2 + ratio(y + b, by) ** 2 + ratio(z, bz) ** 2)
         return None, math.inf
 
+    def beyond(self, p):
+        """d of a world point however far outside: a capsule's barrel and caps go on, each in its band of heights."""
+        if self.kind != CAPSULE:
+            return self.distance(p)
+        x, y, z = self.local(p)
+        t, b = self.top, self.bottom
+        if y > t:
+            offset, (rx, ry, rz) = y - t, self.topScale
+        elif y < -b:
+            offset, (rx, ry, rz) = y + b, self.bottomScale
+        else:
+            offset, ry, share = 0.0, 1.0, (t - y) / (t + b)
+            rx, rz = (a + (c - a) * share for a, c in zip(self.topScale[::2], self.bottomScale[::2]))
+        return math.sqrt(ratio(x, rx) ** 2 + ratio(offset, ry) ** 2 + ratio(z, rz) ** 2)
+
     def local(self, p):
         return point(p, self.inverse)
 
