@@ -1,0 +1,104 @@
+"""Topology of a mesh as plain tables, from what commands tell of it."""
+import maya.cmds as mc
+
+from algebra import cross, length, sub
+from scenes import faceNormal, faces, numbersOf
+
+VERTEX, EDGE, FACE, MAP, CURVE_CV, SURFACE_CV, PARTICLE = range(7)
+NAMES = {VERTEX: 'vtx', EDGE: 'e', FACE: 'f', MAP: 'map', CURVE_CV: 'cv', SURFACE_CV: 'cv', PARTICLE: 'vtx'}
+
+
+class Topology:
+    """edges: [(a, b)]; faces: [[vertex]]; by vertex: its edges, faces and UVs; by face: its edges and UVs; by edge: its faces"""
+
+    def __init__(self, shape, points, uvs=True):
+        self.points, self.faces = points, faces(shape)
+        self.edges = [tuple(numbersOf(line)[:2]) for line in mc.polyInfo(shape, edgeToVertex=True)]
+        number = {frozenset(edge): i for i, edge in enumerate(self.edges)}
+        self.faceEdges = [[number[frozenset((a, b))] for a, b in zip(f, f[1:] + f[:1])] for f in self.faces]
+        self.vertexEdges = inverted(self.edges, len(points))
+        self.vertexFaces = inverted(self.faces, len(points))
+        self.edgeFaces = inverted(self.faceEdges, len(self.edges))
+        self.vertexUvs, self.faceUvs, self.uvCount = [], [], 0
+        if uvs:
+            self.uvCount = mc.polyEvaluate(shape, uvcoord=True)
+            self.vertexUvs = [converted(shape, 'vtx', i) for i in range(len(points))]
+            self.faceUvs = [converted(shape, 'f', i) for i in range(len(self.faces))]
+
+    def count(self, type):
+        return {EDGE: len(self.edges), FACE: len(self.faces), MAP: self.uvCount}.get(type, len(self.points))
+
+    def vertices(self, type, i):
+        """Of one component."""
+        if type == EDGE:
+            return list(self.edges[i])
+        if type == FACE:
+            return self.faces[i]
+        if type == MAP:
+            return [v for v, uvs in enumerate(self.vertexUvs) if i in uvs]
+        return [i]
+
+    def neighbours(self, v):
+        return [a + b - v for a, b in (self.edges[e] for e in self.vertexEdges[v])]
+
+    def around(self, type, i):
+        """Components of the same type beside one: of edges those that share a vertex, of faces those that share an edge."""
+        if type == EDGE:
+            return {e for v in self.edges[i] for e in self.vertexEdges[v]} - {i}
+        if type == FACE:
+            return {f for e in self.faceEdges[i] for f in self.edgeFaces[e]} - {i}
+        return set(self.neighbours(i))
+
+    def faceNormals(self):
+        return [faceNormal([self.points[v] for v in face]) for face in self.faces]
+
+    def edgeLength(self, e):
+        a, b = self.edges[e]
+        return length(sub(self.points[a], self.points[b]))
+
+    def areas(self):
+        """(least, greatest) of each face of up to four corners: a bent one's area depends on which diagonal splits it."""
+        found = []
+        for face in self.faces:
+            corners = [self.points[v] for v in face]
+            splits = []
+            for c in (corners, corners[1:] + corners[:1]):
+                splits.append(sum(length(cross(sub(a, c[0]), sub(b, c[0]))) / 2 for a, b in zip(c[1:], c[2:])))
+            found.append((min(splits), max(splits)))
+        return found
+
+    def onBoundary(self, type, i):
+        border = lambda e: len(self.edgeFaces[e]) < 2
+        if type == EDGE:
+            return border(i)
+        if type == FACE:
+            return any(map(border, self.faceEdges[i]))
+        return any(border(e) for v in self.vertices(type, i) for e in self.vertexEdges[v])
+
+
+def inverted(table, count):
+    found = [[] for _ in range(count)]
+    for i, row in enumerate(table):
+        for k in row:
+            found[k].append(i)
+    return found
+
+
+def converted(shape, name, i):
+    return {k for _, (k,) in listed(mc.polyListComponentConversion('%s.%s[%d]' % (shape, name, i), toUV=True))}
+
+
+def listed(texts):
+    """[(name, indices)] of component texts, ranges spread out."""
+    found = []
+    for text in texts:
+        name, *brackets = text.split('.')[-1].replace(']', '').split('[')
+        ranges = []
+        for bracket in brackets:
+            ends = [int(word) for word in bracket.split(':')]
+            ranges.append(range(ends[0], ends[-1] + 1))
+        indices = [()]
+        for r in ranges:
+            indices = [i + (k,) for i in indices for k in r]
+        found += [(name, i) for i in indices]
+    return found
