@@ -27,6 +27,7 @@ class Seen:
         self.size = getattr(geometry, 'size', None)
         if geometry.kind == 'mesh':
             self.topology = meshes.Topology(geometry.shape, self.points)
+            self.faceNormals = geometry.faceNormals(world)
             self.normals = geometry.worldNormals() if world else geometry.vertexNormals()
 
 

@@ -39,7 +39,7 @@ def ranged(start, end, a, b, count):
 
 
 class Group:
-    """One evaluation. geometry: .kind, .topology (of meshes), .points, .normals in the chosen space; s: settings by name."""
+    """One evaluation. geometry: .kind, .topology (of meshes), .points, .normals, .faceNormals in the chosen space; s: settings by name."""
 
     def __init__(self, geometry, s, volumes=(), slack=0.0):
         self.geometry, self.s, self.volumes, self.slack = geometry, s, volumes, slack
@@ -86,7 +86,7 @@ class Group:
         return ranged(s['rangeStart'], s['rangeEnd'], s['stepA'], s['stepB'], self.count)
 
     def opNormalVelocity(self, given):
-        normals = self.topology.faceNormals() if self.type == FACE else self.geometry.normals
+        normals = self.geometry.faceNormals if self.type == FACE else self.geometry.normals
         found = self.directed(normals) if self.s['mode'] == 0 else self.similar(normals)
         return found if self.type == FACE else self.fromVertices(found)
 
@@ -148,9 +148,11 @@ class Group:
 
     def fromFaces(self, faces):
         t = self.topology
-        of = {EDGE: lambda f: t.faceEdges[f], FACE: lambda f: [f], MAP: lambda f: t.faceUvs[f]}.get(
-            self.type, lambda f: t.faces[f])
-        return {i for f in faces for i in of(f)}
+        if self.type == FACE:
+            return faces
+        if self.type == EDGE:
+            return {e for f in faces for e in t.faceEdges[f]}
+        return self.fromVertices({v for f in faces for v in t.faces[f]})
 
     def opFaceArea(self, given):
         areas = [high if self.slack < 0 else low for low, high in self.topology.areas()]
@@ -168,7 +170,7 @@ class Group:
     def opAngle(self, given):
         if self.type != EDGE:
             return []
-        normals, found = self.topology.faceNormals(), []
+        normals, found = self.geometry.faceNormals, []
         for e, sides in enumerate(self.topology.edgeFaces):
             if len(sides) == 2:
                 a = angle(normals[sides[0]], normals[sides[1]])

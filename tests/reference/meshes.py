@@ -2,14 +2,14 @@
 import maya.cmds as mc
 
 from algebra import cross, length, sub
-from scenes import faceNormal, faces, numbersOf
+from scenes import faces, numbersOf
 
 VERTEX, EDGE, FACE, MAP, CURVE_CV, SURFACE_CV, PARTICLE = range(7)
 NAMES = {VERTEX: 'vtx', EDGE: 'e', FACE: 'f', MAP: 'map', CURVE_CV: 'cv', SURFACE_CV: 'cv', PARTICLE: 'vtx'}
 
 
 class Topology:
-    """edges: [(a, b)]; faces: [[vertex]]; by vertex: its edges, faces and UVs; by face: its edges and UVs; by edge: its faces"""
+    """edges: [(a, b)]; faces: [[vertex]]; by vertex: its edges, faces and UVs; by face: its edges; by edge: its faces"""
 
     def __init__(self, shape, points, uvs=True):
         self.points, self.faces = points, faces(shape)
@@ -19,11 +19,10 @@ class Topology:
         self.vertexEdges = inverted(self.edges, len(points))
         self.vertexFaces = inverted(self.faces, len(points))
         self.edgeFaces = inverted(self.faceEdges, len(self.edges))
-        self.vertexUvs, self.faceUvs, self.uvCount = [], [], 0
+        self.vertexUvs, self.uvCount = [], 0
         if uvs:
             self.uvCount = mc.polyEvaluate(shape, uvcoord=True)
-            self.vertexUvs = [converted(shape, 'vtx', i) for i in range(len(points))]
-            self.faceUvs = [converted(shape, 'f', i) for i in range(len(self.faces))]
+            self.vertexUvs = [uvsOf(shape, i) for i in range(len(points))]
 
     def count(self, type):
         return {EDGE: len(self.edges), FACE: len(self.faces), MAP: self.uvCount}.get(type, len(self.points))
@@ -48,9 +47,6 @@ class Topology:
         if type == FACE:
             return {f for e in self.faceEdges[i] for f in self.edgeFaces[e]} - {i}
         return set(self.neighbours(i))
-
-    def faceNormals(self):
-        return [faceNormal([self.points[v] for v in face]) for face in self.faces]
 
     def edgeLength(self, e):
         a, b = self.edges[e]
@@ -84,8 +80,8 @@ def inverted(table, count):
     return found
 
 
-def converted(shape, name, i):
-    return {k for _, (k,) in listed(mc.polyListComponentConversion('%s.%s[%d]' % (shape, name, i), toUV=True))}
+def uvsOf(shape, v):
+    return {k for _, (k,) in listed(mc.polyListComponentConversion('%s.vtx[%d]' % (shape, v), toUV=True))}
 
 
 def listed(texts):

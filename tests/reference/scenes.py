@@ -98,6 +98,11 @@ class Geometry:
         """Of a mesh, in its own space: the mean of the normals of the faces around a vertex."""
         return meanNormals(self.localPoints, self.faces)
 
+    def faceNormals(self, world):
+        """Turned with the matrix: those of a mirrored mesh still point outwards."""
+        local = [unit(faceNormal([self.localPoints[v] for v in face])) for face in self.faces]
+        return [normalThrough(n, self.matrix) for n in local] if world else local
+
     def worldNormals(self):
         return [normalThrough(n, self.matrix) for n in self.vertexNormals()]
 
