@@ -102,9 +102,7 @@ def randomSubset(rng, node, geometry):
         return None
     some = set(rng.sample(range(count), rng.randint(1, rng.choice((count, 1)))))       # few: clouds may miss their box
     chosen = sorted(some | ({count - 1} if rng.random() < 0.8 else set()))
-    mc.setAttr(node + '.useComponents', 1)
-    scenes.feedComponents(rng, node + '.inComponents', geometry, chosen)
-    return chosen
+    return scenes.selectPoints(rng, node, geometry, chosen)
 
 
 def expectations(geometry, volumes, settings, old, chosen):
@@ -178,4 +176,4 @@ def written(node, geometry, settings, results):
     return found
 
 
-compare.run(scene, 60)
+compare.run(scene, 300)

@@ -33,11 +33,9 @@ def chosenPoints(rng, node, geometry):
     """The points of the component list, which is asked point by point; all without one."""
     count = len(geometry.points)
     if rng.random() < 0.6:
-        return list(range(count)), False
+        return list(range(count))
     chosen = sorted(rng.sample(range(count), rng.randint(1, count)))
-    mc.setAttr(node + '.useComponents', 1)
-    scenes.feedComponents(rng, node + '.inComponents', geometry, chosen)
-    return chosen, True
+    return scenes.selectPoints(rng, node, geometry, chosen)
 
 
 def elements(plug):
@@ -52,7 +50,7 @@ def scene(rng):
     settings = randomSettings(rng, node)
     made = [scenes.randomVolume(rng, cloud) for _ in range(rng.randint(1, 6))]
     volumes = scenes.connectVolumes(rng, node, made)
-    chosen, filtered = chosenPoints(rng, node, geometry)
+    chosen = chosenPoints(rng, node, geometry)
     box = Box([geometry.points[i] for i in chosen])
 
     def at(i, move, give, shift):
@@ -87,4 +85,4 @@ def perVolume(node, count, chosen, geometry, at):
     return lines + compare.differences('outside', [result[i] for i in outside], [spread({})] * len(outside))
 
 
-compare.run(scene, 60)
+compare.run(scene, 300)

@@ -329,3 +329,29 @@ def feedComponents(rng, plug, geometry, chosen):
     else:
         names = componentNames(geometry)
         feed(plug, 'componentList', [names[i] for i in chosen])
+
+
+def grouped(plug, names, group):
+    """A plug with the geometry of another, the named components in an object group of it."""
+    node = mc.createNode('compListToObjGrp')
+    mc.connectAttr(plug, node + '.inGeometry')
+    mc.setAttr(node + '.groupId', group)
+    feed(node + '.inComponents', 'componentList', names)
+    return node + '.outGeometry'
+
+
+def selectPoints(rng, node, geometry, chosen):
+    """Makes a transfer node work on the chosen points, by a list or by an object group; returns what it then takes.
+
+    A list at times names more than one component, of which the first counts alone; a group at times does not exist.
+    """
+    if geometry.kind == 'particles' or rng.random() < 0.6:
+        mc.setAttr(node + '.useComponents', 1)
+        feedComponents(rng, node + '.inComponents', geometry, chosen)
+        return chosen
+    mc.setAttr(node + '.useComponents', 2)
+    mc.setAttr(node + '.groupId', rng.choice((5, 5, 5, 6, -1)))
+    names = componentNames(geometry)
+    plug = grouped(geometry.plug, [names[i] for i in chosen], 5)
+    mc.connectAttr(plug, node + '.inGeometry', force=True)
+    return chosen if mc.getAttr(node + '.groupId') == 5 else []
