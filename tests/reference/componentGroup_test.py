@@ -14,8 +14,10 @@ from groups import Group
 
 MESH_OPERATIONS = ('Pattern', 'Range', 'NormalVelocity', 'Depth', 'EdgeLength', 'FaceArea', 'FacePerimeter', 'WeightMap',
                    'Angle', 'Ngons')
-OPERATIONS = {'mesh': MESH_OPERATIONS, 'curve': ('Pattern', 'Range', 'Depth', 'EdgeLength', 'WeightMap'),
-              'surface': ('Pattern', 'Range', 'WeightMap'), 'particles': ('Pattern', 'Range', 'NormalVelocity', 'WeightMap')}
+OPERATIONS = {'mesh': MESH_OPERATIONS,
+              'curve': ('Pattern', 'Range', 'NormalVelocity', 'Depth', 'EdgeLength', 'WeightMap'),
+              'surface': ('Pattern', 'Range', 'NormalVelocity', 'Depth', 'EdgeLength', 'WeightMap'),
+              'particles': ('Pattern', 'Range', 'NormalVelocity', 'WeightMap')}
 
 
 class Seen:
@@ -25,10 +27,16 @@ class Seen:
         self.kind, self.topology = geometry.kind, None
         self.points = geometry.points if world else geometry.localPoints
         self.size = getattr(geometry, 'size', None)
+        self.flat = False                                    # one UV a vertex
         if geometry.kind == 'mesh':
-            self.topology = meshes.Topology(geometry.shape, self.points)
+            self.topology = meshes.Topology.ofShape(geometry.shape, self.points)
+            self.flat = all(len(uvs) == 1 for uvs in self.topology.vertexUvs)
             self.faceNormals = geometry.faceNormals(world)
             self.normals = geometry.worldNormals() if world else geometry.vertexNormals()
+
+        elif geometry.kind != 'particles':                   # by way of the temporary mesh
+            self.topology = meshes.Topology(*scenes.temporaryMesh(geometry))
+            self.normals = scenes.meanNormals(self.topology.points, self.topology.faces)
 
 
 def randomPattern(rng, count):
@@ -51,8 +59,8 @@ def randomValues(rng, seen, type, count):
             'stepB': rng.randint(1, 5), 'mode': rng.randrange(2), 'inBetweenAngle': single(rng.uniform(0, 90)),
             'direction': tuple(rng.uniform(-1, 1) for _ in range(3)), 'spreadAngleMin': low, 'spreadAngleMax': high,
             'useInComponents': rng.random() < 0.5, 'initialComponents': randomPattern(rng, count),
-            'depth': rng.randrange(4), 'lengthThreshold': pick(edges), 'areaThreshold': pick([a for a, _ in t.areas()] if t else []),
-            'perimeterThreshold': pick([sum(map(t.edgeLength, f)) for f in t.faceEdges] if t else []),
+            'depth': rng.randrange(4), 'space': int(seen.flat and rng.random() < 0.5), 'lengthThreshold': pick(edges), 'areaThreshold': pick([a for a, _ in t.areas()] if t and t.faces else []),
+            'perimeterThreshold': pick([sum(map(t.edgeLength, f)) for f in t.faceEdges] if t and t.faces else []),
             'weightThreshold': rng.random(), 'angleMin': amin, 'angleMax': amax, 'minVertexCount': limit(),
             'maxVertexCount': limit(), 'minEdgeCount': limit(), 'maxEdgeCount': limit()}
 
@@ -94,7 +102,7 @@ def randomSettings(rng, seen, type, count):
     on = set(rng.sample(OPERATIONS[seen.kind], rng.randint(1, 2)))
     settings.update({'op' + name: name in on for name in MESH_OPERATIONS})
     settings['combine'] = rng.choice((0, 0, 1, 2, 3))
-    settings['boundary'] = rng.choice((0, 0, 0, 1, 2, 3, 4)) if seen.kind in ('mesh', 'surface') else 0
+    settings['boundary'] = rng.choice((0, 0, 0, 1, 2, 3, 4)) if seen.kind != 'particles' else 0
     settings['invert'] = rng.random() < 0.3
     settings['mirror'] = rng.choice((0, 0, 1, 2)) if type in (0, 1, 2, 4, 5, 6) else 0
     settings['mirrorDirection'] = rng.randrange(3)
@@ -111,7 +119,7 @@ def scene(rng):
     seen = Seen(geometry, world)
     node = mc.createNode('componentGroup')
     mc.connectAttr(geometry.plug, node + '.inGeometry')
-    count = seen.topology.count(type) if seen.topology else len(seen.points)
+    count = seen.topology.count(type) if geometry.kind == 'mesh' else len(seen.points)
     settings = randomSettings(rng, seen, type, count)
     apply(node, dict(settings, componentType=type, coordinateSystem=0 if world else 1))
     settings['componentType'] = type
@@ -135,8 +143,24 @@ def scene(rng):
     if rng.random() < 0.4:
         small = lambda rng, node: clouds.randomCloud(rng, node, ['particles'])
         volumes = scenes.connectVolumes(rng, node, [scenes.randomVolume(rng, small) for _ in range(rng.randint(1, 3))])
-    return judged(selected(node, seen, type, count),
-                  lambda slack: Group(seen, settings, volumes, slack).result(given))
+    found = judged(selected(node, seen, type, count),
+                   lambda slack: Group(seen, settings, volumes, slack).result(given))
+    if rng.random() < 0.2:
+        found += accumulated(rng, node, seen, settings, volumes, given)
+    return found
+
+
+def accumulated(rng, node, seen, settings, volumes, given):
+    """With the reset frames "*" the next evaluation keeps what this one had."""
+    mc.setAttr(node + '.resetFrames', '*', type='string')
+    type = settings['componentType']
+    expect = lambda slack: Group(seen, settings, volumes, slack)
+    first = judged(selected(node, seen, type, expect(0.0).count), lambda slack: expect(slack).result(given))
+    before = expect(0.0).result(given)
+    settings['pattern'] = randomPattern(rng, expect(0.0).count)
+    mc.setAttr(node + '.pattern', settings['pattern'], type='string')
+    second = selected(node, seen, type, expect(0.0).count)
+    return first + judged(second, lambda slack: expect(slack).result(given, before | expect(slack).result(given)))
 
 
 def judged(found, expect):
@@ -151,4 +175,4 @@ def judged(found, expect):
             ] if wrong else []
 
 
-compare.run(scene, 60)
+compare.run(scene, 300)

@@ -33,7 +33,7 @@ def scene(rng):
     if geometry.kind != 'mesh':
         names = scenes.componentNames(geometry)
         return throughGroup(rng, geometry, rng.sample(names, rng.randint(1, len(names))))
-    topology = meshes.Topology(geometry.shape, geometry.points)
+    topology = meshes.Topology.ofShape(geometry.shape, geometry.points)
     source, target = rng.choice((VERTEX, EDGE, FACE, MAP)), rng.randrange(4)
     share = rng.choice((0.1, 0.5, 0.9))
     chosen = {i for i in range(topology.count(source)) if rng.random() < share} or {0}

@@ -2,8 +2,8 @@
 
 `slack` widens (or, below 0, narrows) every comparison with a threshold, to see whether a result hangs on rounding.
 """
-from algebra import add, angle, length, point, single, sub, times, unit, vector
-from meshes import CURVE_CV, EDGE, FACE, MAP, SURFACE_CV
+from algebra import angle, dot, length, single, sub, times, unit
+from meshes import CURVE_CV, EDGE, FACE, MAP
 from volumes import CLOUD
 
 DEGREE = single(0.01746)
@@ -44,7 +44,9 @@ class Group:
     def __init__(self, geometry, s, volumes=(), slack=0.0):
         self.geometry, self.s, self.volumes, self.slack = geometry, s, volumes, slack
         self.type, self.topology, self.points = s['componentType'], geometry.topology, geometry.points
-        self.count = self.topology.count(self.type) if self.topology else len(self.points)
+        self.count = len(self.points)
+        if geometry.kind == 'mesh':
+            self.count = self.topology.count(self.type)
 
     def atMost(self, a, b):
         return a <= b + self.slack
@@ -52,8 +54,8 @@ class Group:
     def within(self, low, a, high):
         return self.atMost(low, a) and self.atMost(a, high)
 
-    def result(self, given):
-        """The indices that are selected; given: those of the input list."""
+    def result(self, given, before=()):
+        """The indices that are selected; given: those of the input list; before: those of the last evaluation."""
         s = self.s
         found = set()
         for name in ('Pattern', 'Range', 'NormalVelocity', 'Depth', 'EdgeLength', 'FaceArea', 'FacePerimeter', 'WeightMap',
@@ -74,7 +76,8 @@ class Group:
         if s['boundary']:
             border = {i for i in range(self.count) if self.onBoundary(i)}
             found = {1: border, 2: found | border, 3: found - border, 4: found & border}[s['boundary']]
-        return set(range(self.count)) - found if s['invert'] else found
+        found = set(range(self.count)) - found if s['invert'] else found
+        return found | set(before)
 
     # -- operations
 
@@ -101,6 +104,9 @@ class Group:
 
     def similar(self, normals):
         found = []
+        if self.type == CURVE_CV:                            # two vertices a CV
+            return [v for v in range(2, len(normals))
+                    if self.atMost(angle(normals[v - 2], normals[v]), self.s['inBetweenAngle'] * DEGREE)]
         for i, n in enumerate(normals):
             near = [k for k in self.topology.around(FACE if self.type == FACE else 0, i)
                     if self.atMost(angle(n, normals[k]), self.s['inBetweenAngle'] * DEGREE)]
@@ -140,8 +146,9 @@ class Group:
                 if self.atMost(length(sub(self.points[i], self.points[i + 1])), limit):
                     found |= {i, i + 1}
             return found
+        size = self.topology.uvLength if self.s['space'] else self.topology.edgeLength
         for e, ends in enumerate(self.topology.edges):
-            if self.atMost(self.topology.edgeLength(e), limit):
+            if self.atMost(size(e), limit):
                 found |= {EDGE: lambda: {e}, FACE: lambda: set(self.topology.edgeFaces[e])}.get(
                     self.type, lambda: self.fromVertices(ends))()
         return found
@@ -190,7 +197,7 @@ class Group:
     # -- volumes, mirror, boundary
 
     def vertices(self, i):
-        return self.topology.vertices(self.type, i) if self.topology else [i]
+        return self.topology.vertices(self.type, i) if self.geometry.kind == 'mesh' else [i]
 
     def inVolumes(self):
         return {i for i in range(self.count) if self.taken([self.points[v] for v in self.vertices(i)])}
@@ -213,21 +220,21 @@ class Group:
                 return True
         return False
 
+    def image(self, v):
+        """The point nearest to the reflection of v; -1 for none."""
+        s, m = self.s, self.s['mirrorMatrix']
+        axis = unit(tuple(m[0:3]))
+        side = dot(sub(self.points[v], tuple(m[12:15])), axis)
+        if s['mirrorDirection'] == 1 and side < -self.slack or s['mirrorDirection'] == 2 and side > self.slack:
+            return -1
+        to = sub(self.points[v], times(axis, 2 * side))
+        d, k = min((length(sub(p, to)), k) for k, p in enumerate(self.points))
+        return k if s['radius'] == -1 or self.atMost(d, s['radius']) else -1
+
     def mirrored(self, found):
         s = self.s
-        m = s['mirrorMatrix']
-        axis, origin = unit(tuple(m[0:3])), tuple(m[12:15])
         vertices = {v for i in found for v in self.vertices(i)}
-        images = set()
-        for v in vertices:
-            side = dot3(sub(self.points[v], origin), axis)
-            if s['mirrorDirection'] == 1 and side < -self.slack or s['mirrorDirection'] == 2 and side > self.slack:
-                continue
-            to = sub(self.points[v], times(axis, 2 * side))
-            away = [(length(sub(p, to)), k) for k, p in enumerate(self.points)]
-            d, k = min(away)
-            if s['radius'] == -1 or self.atMost(d, s['radius']):
-                images.add(k)
+        images = {self.image(v) for v in vertices}
         images = {i for i in range(self.count) if set(self.vertices(i)) <= images}
         return images if s['mirror'] == 1 else images | found
 
@@ -235,11 +242,9 @@ class Group:
         if self.geometry.kind == 'surface':
             u, v = divmod(i, self.geometry.size[1])
             return u in (0, self.geometry.size[0] - 1) or v in (0, self.geometry.size[1] - 1)
-        return self.topology.onBoundary(self.type, i) if self.topology else True
-
-
-def dot3(a, b):
-    return a[0] * b[0] + a[1] * b[1] + a[2] * b[2]
+        if self.geometry.kind == 'curve':
+            return i in (0, self.count - 1)
+        return self.topology.onBoundary(self.type, i) if self.geometry.kind == 'mesh' else True
 
 
 def converted(topology, found, source, target, contained):

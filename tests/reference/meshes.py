@@ -1,4 +1,6 @@
 """Topology of a mesh as plain tables, from what commands tell of it."""
+import math
+
 import maya.cmds as mc
 
 from algebra import cross, length, sub
@@ -11,18 +13,25 @@ NAMES = {VERTEX: 'vtx', EDGE: 'e', FACE: 'f', MAP: 'map', CURVE_CV: 'cv', SURFAC
 class Topology:
     """edges: [(a, b)]; faces: [[vertex]]; by vertex: its edges, faces and UVs; by face: its edges; by edge: its faces"""
 
-    def __init__(self, shape, points, uvs=True):
-        self.points, self.faces = points, faces(shape)
-        self.edges = [tuple(numbersOf(line)[:2]) for line in mc.polyInfo(shape, edgeToVertex=True)]
+    def __init__(self, points, faces, edges=None):
+        self.points, self.faces = points, faces
+        around = {frozenset(pair) for f in faces for pair in zip(f, f[1:] + f[:1])}
+        self.edges = edges or [tuple(sorted(edge)) for edge in around]
         number = {frozenset(edge): i for i, edge in enumerate(self.edges)}
         self.faceEdges = [[number[frozenset((a, b))] for a, b in zip(f, f[1:] + f[:1])] for f in self.faces]
         self.vertexEdges = inverted(self.edges, len(points))
         self.vertexFaces = inverted(self.faces, len(points))
         self.edgeFaces = inverted(self.faceEdges, len(self.edges))
-        self.vertexUvs, self.uvCount = [], 0
-        if uvs:
-            self.uvCount = mc.polyEvaluate(shape, uvcoord=True)
-            self.vertexUvs = [uvsOf(shape, i) for i in range(len(points))]
+        self.vertexUvs, self.uvCount, self.uvs = [], 0, []
+
+    @classmethod
+    def ofShape(cls, shape, points):
+        found = cls(points, faces(shape), [tuple(numbersOf(line)[:2]) for line in mc.polyInfo(shape, edgeToVertex=True)])
+        found.uvCount = mc.polyEvaluate(shape, uvcoord=True)
+        found.vertexUvs = [uvsOf(shape, i) for i in range(len(points))]
+        flat = mc.polyEditUV(shape + '.map[*]', query=True)
+        found.uvs = list(zip(flat[::2], flat[1::2]))
+        return found
 
     def count(self, type):
         return {EDGE: len(self.edges), FACE: len(self.faces), MAP: self.uvCount}.get(type, len(self.points))
@@ -62,6 +71,11 @@ class Topology:
                 splits.append(sum(length(cross(sub(a, c[0]), sub(b, c[0]))) / 2 for a, b in zip(c[1:], c[2:])))
             found.append((min(splits), max(splits)))
         return found
+
+    def uvLength(self, e):
+        """Of an edge whose ends have one UV each."""
+        (a,), (b,) = (self.vertexUvs[v] for v in self.edges[e])
+        return math.hypot(self.uvs[a][0] - self.uvs[b][0], self.uvs[a][1] - self.uvs[b][1])
 
     def onBoundary(self, type, i):
         border = lambda e: len(self.edgeFaces[e]) < 2
