@@ -115,7 +115,7 @@ def scene(rng):
     while geometry.kind == 'particles' and len(geometry.points) < 3:       # a polygon needs three
         geometry = scenes.randomParticles(rng)
     type = {'mesh': rng.randrange(4), 'curve': 4, 'surface': 5, 'particles': rng.choice((0, 6))}[geometry.kind]
-    world = rng.random() < 0.7 or geometry.kind != 'mesh'
+    world = rng.random() < 0.7
     seen = Seen(geometry, world)
     node = mc.createNode('componentGroup')
     mc.connectAttr(geometry.plug, node + '.inGeometry')
@@ -138,29 +138,58 @@ def scene(rng):
     given = set()
     if rng.random() < 0.7:
         given = {i for i in range(count) if rng.random() < 0.4} or {0}
-        scenes.feed(node + '.inComponents', 'componentList', names(seen, type, sorted(given)))
+        given = feedInput(rng, node, seen, type, settings, given)
     volumes = []
     if rng.random() < 0.4:
         small = lambda rng, node: clouds.randomCloud(rng, node, ['particles'])
         volumes = scenes.connectVolumes(rng, node, [scenes.randomVolume(rng, small) for _ in range(rng.randint(1, 3))])
     found = judged(selected(node, seen, type, count),
                    lambda slack: Group(seen, settings, volumes, slack).result(given))
+    if settings['mirror'] and type in (0, 4, 5, 6) and not (settings['boundary'] or settings['invert']):
+        found += mirrorIds(node, Group(seen, settings, volumes), given)
     if rng.random() < 0.2:
         found += accumulated(rng, node, seen, settings, volumes, given)
     return found
+
+
+def feedInput(rng, node, seen, type, settings, given):
+    """Connects the input components, at times of another kind or as an int array; returns what counts of them."""
+    if type == 0 and rng.random() < 0.2:
+        scenes.feed(node + '.inComponents', 'Int32Array', sorted(given))
+        return given
+    if seen.kind == 'mesh' and rng.random() < 0.2:
+        other = rng.choice([t for t in range(4) if t != type])
+        settings.update(filterInput=True, useInComponents=False)           # growth by kinds is no rule
+        apply(node, {'filterInput': True, 'useInComponents': False})
+        scenes.feed(node + '.inComponents', 'componentList', names(seen, other, sorted(given)))
+        return set()
+    scenes.feed(node + '.inComponents', 'componentList', names(seen, type, sorted(given)))
+    return given
+
+
+def mirrorIds(node, group, given):
+    """The image of every selected point."""
+    mc.setAttr(node + '.outputMirrorData', True)
+    before = dict(group.s, mirror=0)
+    chosen = sorted(Group(group.geometry, before, group.volumes).result(given))
+    expected = [group.image(v) for v in chosen]
+    found = mc.getAttr(node + '.outMirrorIds')
+    mc.setAttr(node + '.outputMirrorData', False)
+    return [] if found == expected else ['mirror ids of %r: %r, not %r' % (chosen, found, expected)]
 
 
 def accumulated(rng, node, seen, settings, volumes, given):
     """With the reset frames "*" the next evaluation keeps what this one had."""
     mc.setAttr(node + '.resetFrames', '*', type='string')
     type = settings['componentType']
-    expect = lambda slack: Group(seen, settings, volumes, slack)
-    first = judged(selected(node, seen, type, expect(0.0).count), lambda slack: expect(slack).result(given))
-    before = expect(0.0).result(given)
-    settings['pattern'] = randomPattern(rng, expect(0.0).count)
-    mc.setAttr(node + '.pattern', settings['pattern'], type='string')
-    second = selected(node, seen, type, expect(0.0).count)
-    return first + judged(second, lambda slack: expect(slack).result(given, before | expect(slack).result(given)))
+    old, new = dict(settings), dict(settings)
+    expect = lambda s, slack: Group(seen, s, volumes, slack)
+    count = expect(old, 0.0).count
+    found = judged(selected(node, seen, type, count), lambda slack: expect(old, slack).result(given))
+    new['pattern'] = randomPattern(rng, count)
+    mc.setAttr(node + '.pattern', new['pattern'], type='string')
+    both = lambda slack: expect(old, slack).result(given) | expect(new, slack).result(given)
+    return found + judged(selected(node, seen, type, count), both)
 
 
 def judged(found, expect):

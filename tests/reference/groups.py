@@ -54,8 +54,8 @@ class Group:
     def within(self, low, a, high):
         return self.atMost(low, a) and self.atMost(a, high)
 
-    def result(self, given, before=()):
-        """The indices that are selected; given: those of the input list; before: those of the last evaluation."""
+    def result(self, given):
+        """The indices that are selected; given: those of the input list."""
         s = self.s
         found = set()
         for name in ('Pattern', 'Range', 'NormalVelocity', 'Depth', 'EdgeLength', 'FaceArea', 'FacePerimeter', 'WeightMap',
@@ -76,8 +76,7 @@ class Group:
         if s['boundary']:
             border = {i for i in range(self.count) if self.onBoundary(i)}
             found = {1: border, 2: found | border, 3: found - border, 4: found & border}[s['boundary']]
-        found = set(range(self.count)) - found if s['invert'] else found
-        return found | set(before)
+        return set(range(self.count)) - found if s['invert'] else found
 
     # -- operations
 
