@@ -8,7 +8,7 @@ import maya.cmds as mc
 import clouds
 import compare
 import scenes
-from algebra import Box, single, vector
+from algebra import Box, vector
 from transfer import transferPoint
 from volumes import Ramps
 
@@ -53,10 +53,9 @@ def colorInput(rng, node, geometry, settings):
     random = lambda n: [tuple(rng.choice((0.0, rng.random())) for _ in range(n)) for _ in range(count)]
     plug = node + '.inRgbaPP'
     if mode == 'mesh' and geometry.kind == 'mesh':
-        colors = [tuple(single(rng.random()) for _ in range(4)) for _ in range(count)]
-        for i, c in enumerate(colors):
-            mc.polyColorPerVertex('%s.vtx[%d]' % (geometry.shape, i), rgb=c[:3], alpha=c[3])
-        return colors
+        name, painted = scenes.paint(rng, geometry, rng.choice((0.0, 0.3)))
+        mc.setAttr(node + '.colorSet', name, type='string')
+        return [c or (0.0, 0.0, 0.0, 0.0) for c in painted]   # nothing to blend with where there is no colour
     if mode == 'rgba':
         colors = random(4)
         if rng.random() < 0.3:

@@ -30,4 +30,4 @@ def scene(rng):
     return found
 
 
-compare.run(scene, 40)
+compare.run(scene, 150)

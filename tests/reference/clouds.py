@@ -2,7 +2,8 @@
 import maya.cmds as mc
 
 from algebra import single, vector
-from scenes import (componentNames, componentText, feed, pointNormals, randomCurve, randomMesh, randomParticles, randomSurface)
+from scenes import (componentNames, componentText, feed, grouped, paint, pointNormals, randomCurve, randomMesh,
+                    randomParticles, randomSurface)
 
 
 class Inputs:
@@ -33,15 +34,25 @@ def arrayInput(rng, node, attribute, use, count, default, type='doubleArray', ra
     return [values[i] if i < len(values) else zero for i in range(count)]
 
 
-def subset(rng, node, prefix, names):
-    """Indices of the points that a component list leaves."""
-    if rng.random() < 0.6:
-        return list(range(len(names)))
-    chosen = [i for i in range(len(names)) if rng.random() < 0.5] or [0]
-    text = [names[i] for i in chosen]
+def subset(rng, node, prefix, geometry):
+    """Indices of the points that a component list or an object group leaves; of a list the first component counts."""
+    names = componentNames(geometry)
+    everything = list(range(len(names)))
+    if rng.random() < 0.5:
+        return everything
+    chosen = [i for i in everything if rng.random() < 0.5] or [0]
+    texts = [names[i] for i in chosen]
+    if rng.random() < 0.3:
+        mc.setAttr(node + '.' + prefix + 'UseComponents', 2)
+        group = rng.choice((0, 4))
+        mc.setAttr('%s.%sObjectGroupId' % (node, prefix), rng.choice((group, group, 9, -1)))
+        mc.connectAttr(grouped(geometry.plug, texts, group), node + '.' + prefix, force=True)
+        return chosen if mc.getAttr('%s.%sObjectGroupId' % (node, prefix)) == group else []
     mc.setAttr(node + '.' + prefix + 'UseComponents', 1)
-    feed(node + '.' + prefix + 'Components', 'componentList', text)
-    return chosen
+    other = rng.choice(('before', 'behind', None, None, None)) if geometry.kind == 'mesh' else None
+    feed(node + '.' + prefix + 'Components', 'componentList',
+         {'before': ['f[0]'] + texts, 'behind': texts + ['f[0]']}.get(other, texts))
+    return [] if other == 'before' else chosen
 
 
 def meshSource(rng, node, inputs):
@@ -49,28 +60,17 @@ def meshSource(rng, node, inputs):
     count = len(geometry.points)
     colors = [inputs.color + (inputs.alpha,)] * count
     if rng.random() < 0.5:
-        colors = paint(rng, geometry, count)
+        name, painted = paint(rng, geometry)
+        colors = [c or (0.0, 0.0, 0.0, 0.0) for c in painted]
+        mc.setAttr(node + '.inMeshColorSet', name, type='string')
     mc.connectAttr(geometry.plug, node + '.inMesh')
     if rng.random() < 0.2:
         mc.setAttr(node + '.inMeshUseRgbaPP', False)
         colors = [inputs.color + (inputs.alpha,)] * count
     radii = arrayInput(rng, node, 'inMeshRadiusPP', 'inMeshUseRadiusPP', count, inputs.radius)
     weights = arrayInput(rng, node, 'inMeshWeightPP', 'inMeshUseWeightPP', count, inputs.weight)
-    kept = subset(rng, node, 'inMesh', componentNames(geometry))
+    kept = subset(rng, node, 'inMesh', geometry)
     return gathered(kept, geometry.points, pointNormals(geometry), radii, weights, colors)
-
-
-def paint(rng, geometry, count):
-    """Colours on some of a mesh's vertices; those without get none at all."""
-    colors = []
-    for i in range(count):
-        if i and rng.random() < 0.3:
-            colors.append((0.0, 0.0, 0.0, 0.0))
-            continue
-        c = tuple(single(rng.random()) for _ in range(4))
-        mc.polyColorPerVertex('%s.vtx[%d]' % (geometry.shape, i), rgb=c[:3], alpha=c[3])
-        colors.append(c)
-    return colors
 
 
 def nurbsSource(rng, node, inputs, kind):
@@ -94,7 +94,7 @@ def nurbsSource(rng, node, inputs, kind):
         if mode == 'point':
             values = [c + (0.5,) for c in values]
         feed(node + '.' + prefix + 'RgbaPP', mode + 'Array', values)
-    kept = subset(rng, node, prefix, componentNames(geometry))
+    kept = subset(rng, node, prefix, geometry)
     return gathered(kept, geometry.points, pointNormals(geometry), radii, weights, colors)
 
 

@@ -340,6 +340,23 @@ def grouped(plug, names, group):
     return node + '.outGeometry'
 
 
+def paint(rng, geometry, unpainted=0.3):
+    """Colours on the vertices of a mesh but some, in a new colour set at times: (set to name, [rgba or None])."""
+    count, name = len(geometry.points), ''
+    if rng.random() < 0.3:
+        for name in ('first', 'second', 'third')[:rng.randint(1, 3)]:
+            mc.polyColorSet(geometry.shape, create=True, colorSet=name)
+        name = rng.choice((name, ''))                         # the last one is the current set
+        mc.polyColorSet(geometry.shape, currentColorSet=True, colorSet=mc.polyColorSet(
+            geometry.shape, query=True, allColorSets=True)[-1])
+    colors = [None if i and rng.random() < unpainted else tuple(single(rng.random()) for _ in range(4))
+              for i in range(count)]
+    for i, c in enumerate(colors):
+        if c:
+            mc.polyColorPerVertex('%s.vtx[%d]' % (geometry.shape, i), rgb=c[:3], alpha=c[3])
+    return name, colors
+
+
 def selectPoints(rng, node, geometry, chosen):
     """Makes a transfer node work on the chosen points, by a list or by an object group; returns what it then takes.
 
