@@ -130,8 +130,10 @@ def scene(rng):
         old['radius'] = weightInput(rng, node, count, 'inRadiusPP', rng.choice(('none', 'right', 'right', 'long')))
     old['color'] = colorInput(rng, node, geometry, settings)
     old['normal'] = normalInput(rng, node, geometry)
-    made = [scenes.randomVolume(rng, cloud) for _ in range(rng.randint(1, 6))]
+    made = [scenes.randomVolume(rng, cloud) for _ in range(rng.randint(0, 6))]
     volumes = scenes.connectVolumes(rng, node, made)
+    if rng.random() < 0.05:
+        return switchedOff(node, geometry, settings)
     chosen = randomSubset(rng, node, geometry)
     results = read(node, geometry, settings)
     if chosen is not None and count - 1 not in chosen:          # the last point decides for all
@@ -142,8 +144,21 @@ def scene(rng):
     for name in SWITCHES:
         if settings[name]:
             found += compare.points(name, results[name], lambda i, *moved: expect(i, *moved)[name], count, geometry.delta)
-    if settings['update'] == 0 and geometry.kind == 'mesh':
+    if settings['update'] == 0 and geometry.kind == 'mesh' and volumes:
         found += written(node, geometry, settings, results)
+    return found
+
+
+def switchedOff(node, geometry, settings):
+    """Empty arrays, and the geometry as it came."""
+    mc.setAttr(node + '.envelope', False)
+    found = [name + ' is not empty' for name in ('Position', 'Weight', 'Rgba', 'Normal', 'Radius')
+             if mc.getAttr('%s.out%sPP' % (node, name))]
+    if geometry.kind == 'particles':
+        return found + compare.differences('outGeometry', mc.getAttr(node + '.outGeometry'), geometry.points, 0)
+    if geometry.kind == 'mesh':
+        settings = dict(settings, position=True, color=False)
+        found += written(node, geometry, settings, {'position': geometry.points})
     return found
 
 

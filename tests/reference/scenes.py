@@ -262,7 +262,7 @@ DEFAULT_KERNEL = [(0.0, 1.0, SMOOTH), (1.0, 0.0, LINEAR)]
 
 
 def randomCapsule(rng):
-    sizes = lambda: tuple(rng.choice((1.0, rng.uniform(0.2, 1.5))) for _ in range(3))
+    sizes = lambda: tuple(rng.choice((1.0, 1.0, rng.uniform(0.2, 1.5), rng.uniform(0.2, 1.5), 0.0)) for _ in range(3))
     offset = lambda: rng.choice((0.0, 1.0, rng.uniform(0.05, 1.5)))
     found = {'top': offset(), 'topScale': sizes(), 'bottom': offset(), 'bottomScale': sizes()}
     if found['top'] + found['bottom'] == 0:                   # without a barrel there is nothing to divide by

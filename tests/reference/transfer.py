@@ -1,6 +1,8 @@
 """What attributeTransfer and multiAttributeTransfer give a point, one point after the other."""
+import math
+
 from algebra import add, length, sub, times, unit
-from volumes import CLOUD, CUBE, SPHERE, Ramps
+from volumes import CLOUD, Ramps
 
 
 class Table:
@@ -168,18 +170,19 @@ def weightPerPoint(p, volumes, settings, box, ramps=Ramps()):
 
 
 def weightsPerVolume(p, volumes, settings, box, ramps=Ramps()):
-    """multiAttributeTransfer's {volume: weight} of a point; None where the nearest volume cannot be told."""
+    """multiAttributeTransfer's {volume: weight} of a point."""
     table = influences(p, volumes, settings['maxInfluences'], box, ramps)
     if table.sum != 0:
         alone = settings['maxInfluences'] == 1
         return {index: 1.0 if alone else w / table.sum for _, index, _, w in table.slots}
     if settings['weightFreePointsTo'] == 1:
         return {0: 1.0}
-    return {nearest(p, volumes): 1.0} if settings['weightFreePointsTo'] == 2 else {}
+    closest = nearest(p, volumes) if settings['weightFreePointsTo'] == 2 else None
+    return {} if closest is None else {closest: 1.0}
 
 
 def nearest(p, volumes):
-    """Index of the volume with the smallest d, inside or not."""
+    """Index of the volume with the smallest d, inside or not; volumes of no size have none."""
     best = None
     for index, volume in enumerate(volumes):
         if not volume.envelope:
@@ -189,6 +192,6 @@ def nearest(p, volumes):
         else:
             away = [volume.beyond(p)]
         for d in away:
-            if best is None or d < best[0]:
+            if math.isfinite(d) and (best is None or d < best[0]):
                 best = (d, index)
     return best[1] if best else None
