@@ -147,6 +147,8 @@ def scene(rng):
                    lambda slack: Group(seen, settings, volumes, slack).result(given))
     if settings['mirror'] and type in (0, 4, 5, 6) and not (settings['boundary'] or settings['invert']):
         found += mirrorIds(node, Group(seen, settings, volumes), given)
+    if type != meshes.MAP and geometry.kind != 'particles' and rng.random() < 0.2:
+        found += asGroup(rng, node)
     if rng.random() < 0.2:
         found += accumulated(rng, node, seen, settings, volumes, given)
     return found
@@ -179,6 +181,17 @@ def mirrorIds(node, group, given):
     return ['mirror ids of %r: %r, not %r' % (sorted(chosen), found, expected)] if wrong else []
 
 
+def asGroup(rng, node):
+    """The object group of the outgoing geometry holds what the list says."""
+    mc.setAttr(node + '.outputObjectGroup', True)
+    mc.setAttr(node + '.groupId', 2)
+    reader = mc.createNode('objGrpToCompList')
+    mc.connectAttr(node + '.outGeometry', reader + '.inGeometry')
+    mc.setAttr(reader + '.groupId', 2)
+    expected, found = mc.getAttr(node + '.outComponents'), mc.getAttr(reader + '.outComponents')
+    return [] if found == expected else ['object group: %r, not %r' % (found, expected)]
+
+
 def accumulated(rng, node, seen, settings, volumes, given):
     """With the reset frames "*" the next evaluation keeps what this one had."""
     mc.setAttr(node + '.resetFrames', '*', type='string')
@@ -205,4 +218,4 @@ def judged(found, expect):
             ] if wrong else []
 
 
-compare.run(scene, 300)
+compare.run(scene, 400)
