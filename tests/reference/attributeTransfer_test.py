@@ -190,4 +190,4 @@ def written(node, geometry, settings, results):
     return found
 
 
-compare.run(scene, 400)
+compare.run(scene, 200)

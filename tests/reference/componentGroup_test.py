@@ -218,4 +218,4 @@ def judged(found, expect):
             ] if wrong else []
 
 
-compare.run(scene, 400)
+compare.run(scene, 300)

@@ -85,4 +85,4 @@ def perVolume(node, count, chosen, geometry, at):
     return lines + compare.differences('outside', [result[i] for i in outside], [spread({})] * len(outside))
 
 
-compare.run(scene, 400)
+compare.run(scene, 200)
