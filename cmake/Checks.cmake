@@ -10,6 +10,11 @@ add_test(NAME check.NodeTable
           -P "${CMAKE_SOURCE_DIR}/cmake/checks/NodeTable.cmake")
 add_test(NAME plugin.Attributes COMMAND mirk run "${CMAKE_SOURCE_DIR}/tests/plugin/attributes_test.py")
 
+# random scenes against slow models in Python; MIRK_SEEDS=0-9999 in the environment runs these many
+foreach(node boundingObject attributeTransfer multiAttributeTransfer componentGroup converters)
+  add_test(NAME reference.${node} COMMAND mirk run "${CMAKE_SOURCE_DIR}/tests/reference/${node}_test.py")
+endforeach()
+
 # examples: each tells by its exit status whether its network gave what it should
 foreach(example arrays_arithmetic arrays_converters arrays_uvs)
   add_test(NAME example.${example} COMMAND mirk run "${CMAKE_SOURCE_DIR}/examples/${example}.py")
