@@ -1,4 +1,5 @@
 """componentGroup against index sets, over random geometries and settings."""
+import math
 import os
 import sys
 
@@ -9,7 +10,7 @@ import clouds
 import compare
 import meshes
 import scenes
-from algebra import single
+from algebra import angle, single
 from groups import Group
 
 MESH_OPERATIONS = ('Pattern', 'Range', 'NormalVelocity', 'Depth', 'EdgeLength', 'FaceArea', 'FacePerimeter', 'WeightMap',
@@ -27,6 +28,7 @@ class Seen:
         self.kind, self.topology = geometry.kind, None
         self.points = geometry.points if world else geometry.localPoints
         self.size = getattr(geometry, 'size', None)
+        self.normals, self.faceNormals = [], []
         self.flat = False                                    # one UV a vertex
         if geometry.kind == 'mesh':
             self.topology = meshes.Topology.ofShape(geometry.shape, self.points)
@@ -52,15 +54,22 @@ def randomValues(rng, seen, type, count):
     angles = lambda: [single(x) for x in sorted((rng.uniform(0, 180), rng.choice((180.0, rng.uniform(0, 180)))))]
     low, high = angles()
     amin, amax = angles()
+    direction = tuple(rng.uniform(-1, 1) for _ in range(3))
+    if rng.random() < 0.3 and seen.normals:                  # at a true angle, where the factor to radians tells
+        a = math.degrees(angle(rng.choice(seen.faceNormals if type == meshes.FACE else seen.normals), direction))
+        low, high = rng.choice(((single(a), 180.0), (0.0, single(a))))
     limit = lambda: rng.choice((-1, -1, 3, 4, 5))
     edges = [t.edgeLength(e) for e in range(len(t.edges))] if t else [rng.random() * 2]
+    areas, perimeters = [], []
+    if t:
+        areas, perimeters = [a for a, _ in t.areas()], [sum(map(t.edgeLength, f)) for f in t.faceEdges]
     return {'pattern': randomPattern(rng, count), 'rangeStart': rng.choice((0, rng.randrange(count))),
             'rangeEnd': rng.choice((-1, 0, -rng.randrange(count + 3))), 'stepA': rng.randint(1, 5),
             'stepB': rng.randint(1, 5), 'mode': rng.randrange(2), 'inBetweenAngle': single(rng.uniform(0, 90)),
-            'direction': tuple(rng.uniform(-1, 1) for _ in range(3)), 'spreadAngleMin': low, 'spreadAngleMax': high,
+            'direction': direction, 'spreadAngleMin': low, 'spreadAngleMax': high,
             'useInComponents': rng.random() < 0.5, 'initialComponents': randomPattern(rng, count),
-            'depth': rng.randrange(4), 'space': int(seen.flat and rng.random() < 0.5), 'lengthThreshold': pick(edges), 'areaThreshold': pick([a for a, _ in t.areas()] if t and t.faces else []),
-            'perimeterThreshold': pick([sum(map(t.edgeLength, f)) for f in t.faceEdges] if t and t.faces else []),
+            'depth': rng.randrange(4), 'space': int(seen.flat and rng.random() < 0.5),
+            'lengthThreshold': pick(edges), 'areaThreshold': pick(areas), 'perimeterThreshold': pick(perimeters),
             'weightThreshold': rng.random(), 'angleMin': amin, 'angleMax': amax, 'minVertexCount': limit(),
             'maxVertexCount': limit(), 'minEdgeCount': limit(), 'maxEdgeCount': limit()}
 
@@ -99,7 +108,7 @@ def selected(node, seen, type, count):
 
 def randomSettings(rng, seen, type, count):
     settings = randomValues(rng, seen, type, count)
-    on = set(rng.sample(OPERATIONS[seen.kind], rng.randint(1, 2)))
+    on = set(rng.sample(OPERATIONS[seen.kind], rng.choice((1, 1, 2))))
     settings.update({'op' + name: name in on for name in MESH_OPERATIONS})
     settings['combine'] = rng.choice((0, 0, 1, 2, 3))
     settings['boundary'] = rng.choice((0, 0, 0, 1, 2, 3, 4)) if seen.kind != 'particles' else 0
@@ -140,7 +149,7 @@ def scene(rng):
         given = {i for i in range(count) if rng.random() < 0.4} or {0}
         given = feedInput(rng, node, seen, type, settings, given)
     volumes = []
-    if rng.random() < 0.4:
+    if rng.random() < 0.5:
         small = lambda rng, node: clouds.randomCloud(rng, node, ['particles'])
         volumes = scenes.connectVolumes(rng, node, [scenes.randomVolume(rng, small) for _ in range(rng.randint(1, 3))])
     found = judged(selected(node, seen, type, count),

@@ -184,7 +184,13 @@ def randomSurface(rng):
 
 
 def randomParticles(rng):
-    local = [tuple(rng.uniform(-1.5, 1.5) for _ in range(3)) for _ in range(rng.randint(1, rng.choice((40, 40, 3))))]
+    """Mostly a few; at times hundreds in a long row, of which volumes reach a part."""
+    count, spread = rng.randint(1, rng.choice((40, 40, 3))), 1.5
+    if rng.random() < 0.06:
+        count, spread = rng.randint(250, 700), rng.choice((1.5, 6.0))
+    local = [tuple(rng.uniform(-k, k) for k in (spread, 1.5, 1.5)) for _ in range(count)]
+    if spread > 1.5:
+        local.sort()
     return Geometry('particles', source('vectorArray', local), local, IDENTITY)
 
 
