@@ -75,22 +75,23 @@ void findInCube(const Local& p, Range r, Candidates& out)
     }
 }
 
-/// Points at the barrel's height are tested in bulk, those above and below it one by one.
+/// Points at the barrel's height are tested in bulk, those above and below it and within the width one by one.
 void findInCapsule(const Capsule& c, const Local& p, Range r, Candidates& out)
 {
     constexpr double cap = -2.0;   // for a cap to say
     const double x = std::max(c.bottomScale.x, c.topScale.x), z = std::max(c.bottomScale.z, c.topScale.z);
+    const double wideX = std::max(std::fabs(c.topScale.x), std::fabs(c.bottomScale.x));
+    const double wideZ = std::max(std::fabs(c.topScale.z), std::fabs(c.bottomScale.z));
     double       d[kCapacity];
-    int          caps = 0;
     for (int i = r.first; i < r.last; ++i) {
         const double axis = barrelDistance(c, p.x[i], p.y[i], p.z[i]);
-        const bool   near = (p.x[i] >= -x) & (p.x[i] <= x) & (p.z[i] >= -z) & (p.z[i] <= z) & (axis <= 1.0);
-        const bool   barrel = (p.y[i] >= -c.bottom) & (p.y[i] <= c.top);
-        d[i] = barrel ? (near ? axis : kOutside) : cap;
+        const double px = p.x[i], py = p.y[i], pz = p.z[i];
+        const bool   near = (px >= -x) & (px <= x) & (pz >= -z) & (pz <= z) & (axis <= 1.0);
+        const bool   wide = (std::fabs(px) <= wideX) & (std::fabs(pz) <= wideZ);
+        const double other = wide ? cap : kOutside, barrel = near ? axis : kOutside;
+        d[i] = (py >= -c.bottom) & (py <= c.top) ? barrel : other;
     }
-    for (int i = r.first; i < r.last; ++i)
-        caps += d[i] == cap;
-    for (int i = r.first; caps > 0 && i < r.last; ++i) {
+    for (int i = r.first; i < r.last; ++i) {
         if (d[i] == cap)
             d[i] = capsuleDistance(c, {p.x[i], p.y[i], p.z[i]});
     }

@@ -13,30 +13,55 @@ using volume::Vec;
 
 namespace {
 
+/// Coordinates that stand in the mesh as they are in the world; the block has its count.
+void loadStored(const TransferInput& in, std::size_t from, volume::PointBlock& block)
+{
+    const float* p = in.local + 3 * from;
+    for (int i = 0; i < block.count; ++i)
+        block.x[i] = p[3 * i], block.y[i] = p[3 * i + 1], block.z[i] = p[3 * i + 2];
+}
+
 constexpr int kCapacity = volume::PointBlock::kCapacity;
 
 /// Two numbers that go through the same sums.
 using Two = double __attribute__((vector_size(16)));
 
-/// What influences bring to a point, side by side as they are summed up.
-struct Gift
+/// The colour of an influence and the place it pulls to.
+struct Place
 {
-    Two weightAlpha{}, radiusPull{}, colorXY{}, colorZTargetZ{}, targetXY{};
+    Two colorXY{}, colorZTargetZ{}, targetXY{};
 
-    void setColor(const MColor& c) { colorXY = Two{c.r, c.g}, colorZTargetZ = Two{c.b, colorZTargetZ[1]}; }
+    void setColor(double r, double g, double b) { colorXY = Two{r, g}, colorZTargetZ = Two{b, colorZTargetZ[1]}; }
+    void setColor(const MColor& c) { setColor(c.r, c.g, c.b); }
     void setTarget(Vec t) { targetXY = Two{t.x, t.y}, colorZTargetZ = Two{colorZTargetZ[0], t.z}; }
     Vec  color() const { return {colorXY[0], colorXY[1], colorZTargetZ[0]}; }
     Vec  target() const { return {targetXY[0], targetXY[1], colorZTargetZ[1]}; }
+};
 
-    /// Adds what an influence of this share brings; `modulate` lets its alpha scale its colour.
-    void add(const Gift& b, double share, bool modulate)
+/// One influence. Most share the place of their volume.
+struct Brought
+{
+    Two          weightAlpha{}, radiusPull{}, kernelTurn{1.0, 0.0};
+    const Place* place = nullptr;
+
+    double kernel() const { return kernelTurn[0]; }
+    double turn() const { return kernelTurn[1]; }
+};
+
+/// What the influences of a point come to.
+struct Sum : Place
+{
+    Two weightAlpha{}, radiusPull{};
+
+    /// Adds an influence of that share; `modulate` lets its alpha scale its colour.
+    void add(Two weightAndAlpha, Two radiusAndPull, const Place& place, double share, bool modulate)
     {
-        const double pull = share * b.radiusPull[1], paint = modulate ? b.weightAlpha[1] * share : share;
-        weightAlpha += b.weightAlpha * share;
-        radiusPull += b.radiusPull * share;
-        colorXY += b.colorXY * paint;
-        colorZTargetZ += b.colorZTargetZ * Two{paint, pull};
-        targetXY += b.targetXY * pull;
+        const double pull = share * radiusAndPull[1], paint = modulate ? weightAndAlpha[1] * share : share;
+        weightAlpha += weightAndAlpha * share;
+        radiusPull += radiusAndPull * share;
+        colorXY += place.colorXY * paint;
+        colorZTargetZ += place.colorZTargetZ * Two{paint, pull};
+        targetXY += place.targetXY * pull;
     }
     void divide(double by)
     {
@@ -46,12 +71,6 @@ struct Gift
         colorZTargetZ /= by;
         targetXY /= by;
     }
-};
-
-/// One influence.
-struct Brought : Gift
-{
-    double kernel = 1.0, turn = 0.0;
 };
 
 /// One volume's influences that got a slot, and their ramps. Columns of ramps that are not wanted stay as they were
@@ -79,7 +98,7 @@ struct Values
     double weight[kCapacity], radius[kCapacity], rgba[4 * kCapacity], normal[3 * kCapacity];
     double length[kCapacity];    ///< of a particle's velocity before
     Vec    moved[kCapacity];
-    bool   reached[kCapacity];
+    int    reached[kCapacity], reachedCount = 0;   ///< points that something reaches
     double results[4 * kCapacity];   ///< points or colours on their way out
     float  singles[4 * kCapacity];
 };
@@ -101,9 +120,13 @@ public:
     Walk(const TransferVolumes& volumes, const volume::InfluenceSearch& search, const TransferSettings& settings,
          const TransferInput& in, const TransferOutput& out, int slots)
         : volumes_(volumes), search_(search), on_(settings), in_(in), out_(out), table_(slots, blockSize(slots)),
-          brought_(table_.d.size()), order_(2 * static_cast<std::size_t>(slots)), stored_(in.stored()),
-          far_(in.count * sizeof(double) >= stream::kLarge)
+          brought_(table_.d.size()), own_(table_.d.size()), order_(2 * static_cast<std::size_t>(slots)), stored_(in.stored()),
+          far_(in.count * sizeof(double) >= stream::kLarge), places_(volumes.volumes.size())
     {
+        for (std::size_t v = 0; v < places_.size(); ++v) {
+            places_[v].setColor(volumes.falloffs[v].color.color(0.0f));
+            places_[v].setTarget(volumes.volumes[v].origin);
+        }
     }
 
     void block(std::size_t from, int most)
@@ -113,10 +136,10 @@ public:
         if (on_.process)
             search_.volumesNear(block_.box, near_);
         loadValues(from);
+        values_.reachedCount = 0;
         if (!near_.empty()) {
             if (!loaded)
-                loadBlock(in_, from, most, block_);
-            std::fill(values_.reached, values_.reached + block_.count, false);
+                loadStored(in_, from, block_);
             if (near_.size() == 1 && !on_.normal && kindOf(near_[0]) != volume::Kind::kCloud)
                 takeAlone(near_[0]);
             else
@@ -141,7 +164,7 @@ private:
     void takeAlone(int volume);
     void sample(int volume, std::size_t count);
     Vec  targetOf(const volume::Volume& volume, Vec at) const;
-    void mix(int i, const Gift& sum);
+    void mix(int i, const Sum& sum);
     void takeCloud(std::size_t taken);
     void takeShape(int volume, std::size_t taken);
     void blend(int i);
@@ -168,6 +191,7 @@ private:
     const TransferOutput&          out_;
     volume::InfluenceTable         table_;
     std::vector<Brought>           brought_;   ///< one a slot
+    std::vector<Place>             own_;       ///< one a slot, for influences that do not share that of their volume
     volume::PointBlock             block_;
     volume::Candidates             candidates_;
     Values                         values_;
@@ -175,6 +199,7 @@ private:
     Batch                          batch_;
     const bool                     stored_;    ///< no matrix between the points of the mesh and the world
     const bool                     far_;       ///< results go past the caches
+    std::vector<Place>             places_;    ///< one a volume: its first colour and its origin
 };
 
 void Walk::loadValues(std::size_t from)
@@ -238,8 +263,7 @@ void Walk::take(int v)
     const int*     slots = batch_.slot.data();
     for (std::size_t k = 0; k < taken; ++k) {
         Brought& b = brought[slots[k]];
-        b.kernel = batch_.kernel[k] < 0.0f ? 0.0 : batch_.kernel[k];
-        b.turn = batch_.turn[k];
+        b.kernelTurn = Two{batch_.kernel[k] < 0.0f ? 0.0 : batch_.kernel[k], batch_.turn[k]};
         b.weightAlpha = Two{batch_.weight[k], batch_.alpha[k]};
         b.radiusPull = Two{batch_.radius[k], batch_.pull[k]};
     }
@@ -264,6 +288,29 @@ void Walk::sample(int v, std::size_t count)
     ramp(on_.position, falloff.position, batch_.pull);
 }
 
+inline void Walk::mixColor(double* rgba, Vec color, double alpha) const
+{
+    const bool mixes = on_.blend && (rgba[0] != 0.0 || rgba[1] != 0.0 || rgba[2] != 0.0 || rgba[3] != 0.0);
+    rgba[0] = mixes ? blended(rgba[0], color.x) : color.x;
+    rgba[1] = mixes ? blended(rgba[1], color.y) : color.y;
+    rgba[2] = mixes ? blended(rgba[2], color.z) : color.z;
+    rgba[3] = on_.solidAlpha ? 1.0 : mixes ? blended(rgba[3], alpha) : alpha;
+}
+
+/// What influences give together meets what the point has.
+inline void Walk::mix(int i, const Sum& sum)
+{
+    values_.reached[values_.reachedCount++] = i;
+    if (on_.weight)
+        values_.weight[i] = mixed(values_.weight[i], sum.weightAlpha[0]);
+    if (on_.color)
+        mixColor(values_.rgba + 4 * i, sum.color(), sum.weightAlpha[1]);
+    if (on_.radius)
+        values_.radius[i] = std::max(0.0, mixed(values_.radius[i], sum.radiusPull[0]));
+    if (on_.position)
+        values_.moved[i] = block_.at(i) * (1.0 - sum.radiusPull[1]) + sum.target();
+}
+
 /// The one volume near a block: its influences need no slots, have the full share and go straight to their points.
 void Walk::takeAlone(int v)
 {
@@ -278,19 +325,16 @@ void Walk::takeAlone(int v)
     const volume::Volume& volume = volumes_.volumes[static_cast<std::size_t>(v)];
     const Ramp&           ramp = volumes_.falloffs[static_cast<std::size_t>(v)].color;
     const bool            flat = ramp.entryCount() <= 1, follows = on_.position && volume.kind == volume::Kind::kCapsule;
-    Gift                  brings;
-    brings.setColor(ramp.color(0.0f));
-    brings.setTarget(volume.origin);
+    Place                 place = places_[static_cast<std::size_t>(v)];
     for (std::size_t k = 0; k < count; ++k) {
         const int i = candidates_.point[k];
-        brings.weightAlpha = Two{batch_.weight[k], batch_.alpha[k]};
-        brings.radiusPull = Two{batch_.radius[k], batch_.pull[k]};
         if (on_.color && !flat)
-            brings.setColor(ramp.color(batch_.at[k]));
+            place.setColor(ramp.color(batch_.at[k]));
         if (follows)
-            brings.setTarget(targetOf(volume, block_.at(i)));
-        Gift sum;
-        sum.add(brings, 1.0, on_.alphaModulate);
+            place.setTarget(targetOf(volume, block_.at(i)));
+        Sum sum;
+        sum.add(Two{batch_.weight[k], batch_.alpha[k]}, Two{batch_.radius[k], batch_.pull[k]}, place, 1.0,
+                on_.alphaModulate);
         mix(i, sum);
     }
 }
@@ -315,9 +359,10 @@ void Walk::takeCloud(std::size_t taken)
         // set, not multiplied on: a slot may come twice in a batch
         b.weightAlpha = Two{batch_.weight[k] * cloud.weights[j], batch_.alpha[k] * cloud.rgba[j][3]};
         b.radiusPull[0] = batch_.radius[k] * cloud.radii[j];
-        b.colorXY = Two{cloud.rgba[j][0], cloud.rgba[j][1]};
-        b.colorZTargetZ[0] = cloud.rgba[j][2];
-        b.setTarget(cloud.positions[j]);
+        Place& own = own_[static_cast<std::size_t>(batch_.slot[k])];
+        own.setColor(cloud.rgba[j][0], cloud.rgba[j][1], cloud.rgba[j][2]);
+        own.setTarget(cloud.positions[j]);
+        b.place = &own;
     }
 }
 
@@ -325,16 +370,20 @@ void Walk::takeShape(int v, std::size_t taken)
 {
     const volume::Volume& volume = volumes_.volumes[static_cast<std::size_t>(v)];
     const Ramp&           ramp = volumes_.falloffs[static_cast<std::size_t>(v)].color;
-    const bool            flat = ramp.entryCount() <= 1;
-    const MColor          only = ramp.color(0.0f);
+    const bool            flat = !on_.color || ramp.entryCount() <= 1;
+    const bool            follows = on_.position && volume.kind == volume::Kind::kCapsule;
+    const Place&          common = places_[static_cast<std::size_t>(v)];
     for (std::size_t k = 0; k < taken; ++k) {
-        Brought& b = brought_[static_cast<std::size_t>(batch_.slot[k])];
-        if (on_.color)
-            b.setColor(flat ? only : ramp.color(batch_.at[k]));
-        if (on_.position && volume.kind == volume::Kind::kCapsule)
-            b.setTarget(targetOf(volume, block_.at(candidates_.point[static_cast<std::size_t>(batch_.from[k])])));
-        else
-            b.setTarget(volume.origin);
+        const auto slot = static_cast<std::size_t>(batch_.slot[k]);
+        brought_[slot].place = &common;
+        if (flat && !follows)
+            continue;
+        Place& own = own_[slot] = common;
+        if (!flat)
+            own.setColor(ramp.color(batch_.at[k]));
+        if (follows)
+            own.setTarget(targetOf(volume, block_.at(candidates_.point[static_cast<std::size_t>(batch_.from[k])])));
+        brought_[slot].place = &own;
     }
 }
 
@@ -351,12 +400,12 @@ void Walk::blend(int i)
     const int*     order = order_.data();
     const Brought* brought = brought_.data();
     double         kernels = 0.0;
-    Gift           sum;
+    Sum            sum;
     for (int k = 0; k < count; ++k) {
         const Brought& b = brought[order[k]];
-        const double   share = count > 1 ? b.kernel : 1.0;
+        const double   share = count > 1 ? b.kernel() : 1.0;
         kernels += share;
-        sum.add(b, share, on_.alphaModulate);
+        sum.add(b.weightAlpha, b.radiusPull, *b.place, share, on_.alphaModulate);
     }
     if (count > 1 && kernels > 0.0)
         sum.divide(kernels);
@@ -367,29 +416,6 @@ void Walk::blend(int i)
         blendNormal(i, count, count > 1 ? kernels : 1.0);
 }
 
-/// What influences give together meets what the point has.
-void Walk::mix(int i, const Gift& sum)
-{
-    values_.reached[i] = true;
-    if (on_.weight)
-        values_.weight[i] = mixed(values_.weight[i], sum.weightAlpha[0]);
-    if (on_.color)
-        mixColor(values_.rgba + 4 * i, sum.color(), sum.weightAlpha[1]);
-    if (on_.radius)
-        values_.radius[i] = std::max(0.0, mixed(values_.radius[i], sum.radiusPull[0]));
-    if (on_.position)
-        values_.moved[i] = block_.at(i) * (1.0 - sum.radiusPull[1]) + sum.target();
-}
-
-void Walk::mixColor(double* rgba, Vec color, double alpha) const
-{
-    const bool mixes = on_.blend && (rgba[0] != 0.0 || rgba[1] != 0.0 || rgba[2] != 0.0 || rgba[3] != 0.0);
-    rgba[0] = mixes ? blended(rgba[0], color.x) : color.x;
-    rgba[1] = mixes ? blended(rgba[1], color.y) : color.y;
-    rgba[2] = mixes ? blended(rgba[2], color.z) : color.z;
-    rgba[3] = on_.solidAlpha ? 1.0 : mixes ? blended(rgba[3], alpha) : alpha;
-}
-
 /// The direction is a plain sum, the amount a mean by the kernel.
 void Walk::blendNormal(int i, int count, double kernels)
 {
@@ -397,7 +423,7 @@ void Walk::blendNormal(int i, int count, double kernels)
     double strength = 0.0;
     for (int k = 0; k < count; ++k) {
         const auto   s = static_cast<std::size_t>(order_[static_cast<std::size_t>(k)]);
-        const double share = count > 1 ? brought_[s].turn * brought_[s].kernel : brought_[s].turn;
+        const double share = count > 1 ? brought_[s].turn() * brought_[s].kernel() : brought_[s].turn();
         if (table_.cloud[s] >= 0)
             direction = volumes_.cloud.normals[static_cast<std::size_t>(table_.cloud[s])];
         else   // a capsule may leave the direction as the influence before left it
@@ -453,7 +479,7 @@ void Walk::storeColors(std::size_t from)
 void Walk::storePoints(std::size_t from)
 {
     const auto    count = static_cast<std::size_t>(block_.count);
-    const bool    hasW = in_.points && in_.pointStride == 4, some = !near_.empty();
+    const bool    hasW = in_.points && in_.pointStride == 4;
     const float*  single = stored_ ? in_.local + 3 * from : nullptr;
     double* const points = values_.results;
     if (out_.points) {
@@ -467,19 +493,19 @@ void Walk::storePoints(std::size_t from)
         }
         if (hasW)
             std::copy_n(in_.points + 4 * from, 4 * count, points);
-        for (std::size_t i = 0; some && i < count; ++i) {
-            const Vec& to = values_.moved[i];
-            double*    p = points + 4 * i;
-            if (values_.reached[i])
-                p[0] = to.x, p[1] = to.y, p[2] = to.z, p[3] = 1.0;
+        for (int k = 0; k < values_.reachedCount; ++k) {
+            const Vec& to = values_.moved[values_.reached[k]];
+            double*    p = points + 4 * values_.reached[k];
+            p[0] = to.x, p[1] = to.y, p[2] = to.z, p[3] = 1.0;
         }
         put(points, 4 * count, out_.points + 4 * from);
     }
     if (out_.vectors) {
-        for (std::size_t i = 0; i < count; ++i) {
-            const Vec p = some && values_.reached[i] ? values_.moved[i] : in_.at(from + i);
-            points[3 * i] = p.x, points[3 * i + 1] = p.y, points[3 * i + 2] = p.z;
-        }
+        const auto set = [&](int i, Vec p) { points[3 * i] = p.x, points[3 * i + 1] = p.y, points[3 * i + 2] = p.z; };
+        for (int i = 0; i < block_.count; ++i)
+            set(i, in_.at(from + static_cast<std::size_t>(i)));
+        for (int k = 0; k < values_.reachedCount; ++k)
+            set(values_.reached[k], values_.moved[values_.reached[k]]);
         put(points, 3 * count, out_.vectors + 3 * from);
     }
 }
@@ -492,11 +518,9 @@ void Walk::storeLocal(std::size_t from)
     float*       local = values_.singles;
     for (std::size_t i = 0; i < count; ++i, local += 4, before += 3)
         local[0] = before[0], local[1] = before[1], local[2] = before[2], local[3] = 1.0f;
-    for (std::size_t i = 0; !near_.empty() && i < count; ++i) {
-        if (!values_.reached[i])
-            continue;
-        const Vec l = transformPoint(values_.moved[i], in_.toLocal);
-        float*    to = values_.singles + 4 * i;
+    for (int k = 0; k < values_.reachedCount; ++k) {
+        const Vec l = transformPoint(values_.moved[values_.reached[k]], in_.toLocal);
+        float*    to = values_.singles + 4 * values_.reached[k];
         to[0] = static_cast<float>(l.x), to[1] = static_cast<float>(l.y), to[2] = static_cast<float>(l.z);
     }
     put(values_.singles, 4 * count, out_.local + 4 * from);
@@ -589,9 +613,8 @@ void loadBlock(const TransferInput& in, std::size_t from, int most, volume::Poin
     const auto&  m = in.toWorld.m;
     const float* p = in.local ? in.local + 3 * from : nullptr;
     if (in.stored()) {
-        for (std::size_t i = 0; i < count; ++i)
-            block.x[i] = p[3 * i], block.y[i] = p[3 * i + 1], block.z[i] = p[3 * i + 2];
         boundBlock(in, from, most, block);
+        loadStored(in, from, block);
         return;
     }
     const bool plain = p && in.toWorld.affine();
