@@ -284,8 +284,14 @@ MStatus writePoints(MeshBody* b, MeshTarget* target, const A& array, MSpace::Spa
     auto buffer = b->pointBuffer()->refCount() > 1 ? make<Buffer<float>>(size_t(b->vertexCount()) * 3)
                                                    : Ref<Buffer<float>>();   // shared: no need to copy the old ones
     float* out = buffer ? buffer->data() : b->writePoints();
-    for (unsigned i = 0; i < array.length(); ++i, ++p, out += 3)
-        m.pointIn(&p->x, out);
+    const unsigned n = array.length();
+    if (m.active()) {
+        for (unsigned i = 0; i < n; ++i, ++p, out += 3)
+            m.pointIn(&p->x, out);
+    } else {
+        for (unsigned i = 0; i < n; ++i, ++p, out += 3)
+            out[0] = float(p->x), out[1] = float(p->y), out[2] = float(p->z);
+    }
     if (buffer)
         b->replacePoints(std::move(buffer));
     target->changed();

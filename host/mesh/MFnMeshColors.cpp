@@ -31,10 +31,16 @@ int setForWriting(MeshBody& b, const MString* name)
 
 bool allWithin(const MIntArray& ids, int n)
 {
-    for (unsigned i = 0; i < ids.length(); ++i)
-        if (!within(ids[i], n))
-            return false;
-    return true;
+    const int* id = begin(ids);
+    size_t     left = ids.length();
+    unsigned   outside = 0;
+    constexpr size_t run = 1024;   // compared without branches
+    for (; left >= run && !outside; left -= run, id += run)
+        for (size_t k = 0; k < run; ++k)
+            outside |= unsigned(id[k]) >= unsigned(n);
+    for (size_t k = 0; k < left; ++k)
+        outside |= unsigned(id[k]) >= unsigned(n);
+    return !outside;
 }
 
 MColor asRepresented(const MColor& c, int rep)

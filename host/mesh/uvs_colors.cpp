@@ -26,10 +26,21 @@ bool idsFit(const Buffer<int>& ids, size_t corners, size_t table)
 
 bool coversAll(const int* ids, size_t count, int n)
 {
-    for (size_t i = 0; i < count; ++i)
-        if (ids[i] != int(i))
+    if (count != size_t(n))
+        return false;
+    constexpr int run = 1024;   // compared without branches
+    int i = 0;
+    for (; i + run <= n; i += run) {
+        int differs = 0;
+        for (int k = 0; k < run; ++k)
+            differs |= ids[i + k] ^ (i + k);
+        if (differs)
             return false;
-    return count == size_t(n);
+    }
+    for (; i < n; ++i)
+        if (ids[i] != i)
+            return false;
+    return true;
 }
 
 }  // namespace
@@ -129,16 +140,16 @@ int MeshBody::addColorSet(std::string name)
 void MeshBody::setVertexColors(int set, const MColor* colors, const int* vertices, size_t count)
 {
     ColorSet& s = writeColorSet(set);
+    const bool all = coversAll(vertices, count, vertexCount());
     const bool unassigned = s.layout == ColorSet::kIndexed && !s.ids;
-    if (s.layout != ColorSet::kPerVertex && (unassigned || coversAll(vertices, count, vertexCount()))) {
+    if (all || unassigned) {
         s.layout = ColorSet::kPerVertex;
         s.ids = nullptr;
-        s.table = make<Buffer<MColor>>(size_t(vertexCount()), unsetColor);
+        s.table = all ? make<Buffer<MColor>>(colors, count)   // none of the old ones stays
+                      : make<Buffer<MColor>>(size_t(vertexCount()), unsetColor);
     }
-    if (s.layout == ColorSet::kPerVertex && coversAll(vertices, count, vertexCount())) {
-        s.table = make<Buffer<MColor>>(colors, count);   // none of the old ones stays
+    if (all)
         return;
-    }
     if (s.layout == ColorSet::kPerVertex) {
         Buffer<MColor>& table = detach(s.table);
         for (size_t i = 0; i < count; ++i)

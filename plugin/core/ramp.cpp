@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <numeric>
 
 #include <maya/MColorArray.h>
@@ -122,6 +123,8 @@ void Ramp::build(int index, const std::vector<float>& v, const std::vector<int>&
     }
 }
 
+using Four = float __attribute__((vector_size(16)));
+
 void Ramp::values(const float* positions, std::size_t count, float* values) const
 {
     if (starts_.size() != 2) {
@@ -132,7 +135,17 @@ void Ramp::values(const float* positions, std::size_t count, float* values) cons
     // the usual ramp has one stretch: without the search the loop runs on whole registers
     const Piece piece = channels_[0].pieces[0];
     const float first = channels_[0].first, last = channels_[0].last, end = starts_[1];
-    for (std::size_t i = 0; i < count; ++i) {
+    std::size_t i = 0;
+    for (; i + 4 <= count; i += 4) {   // four at a time, by the same operations as Piece::at
+        Four p;
+        std::memcpy(&p, positions + i, sizeof p);
+        const Four t = (p - piece.start) / piece.length;
+        const Four inside = piece.c0 + t * (piece.c1 + t * (piece.c2 + t * piece.c3));
+        const Four upTo = p >= end ? Four{last, last, last, last} : inside;
+        const Four all = p >= piece.start ? upTo : Four{first, first, first, first};
+        std::memcpy(values + i, &all, sizeof all);
+    }
+    for (; i < count; ++i) {
         const float p = positions[i], inside = piece.at(p);
         values[i] = !(p >= piece.start) ? first : p >= end ? last : inside;
     }

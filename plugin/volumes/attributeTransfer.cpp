@@ -93,7 +93,8 @@ void writeMesh(MDataHandle& outGeo, const TransferSettings& on, const GeometryPo
     const auto n = static_cast<unsigned int>(points.input.count);
     MObject    object = outGeo.asMeshTransformed();
     MFnMesh    mesh(object);
-    MIntArray  ids(n);
+    MIntArray  ids;
+    ids.setLength(n);
     if (n > 0)
         std::iota(&ids[0], &ids[0] + n, 0);
     if (on.position)

@@ -50,24 +50,12 @@ void toLocal(const Matrix& inverse, const PointBlock& block, Range r, Local& to)
     }
 }
 
-/// The points whose distance is from 0 to 1.
-void collect(const double* d, Range r, Candidates& out)
-{
-    int inside[kCapacity], found = 0;
-    for (int i = r.first; i < r.last; ++i) {
-        inside[found] = i;
-        found += (d[i] >= 0.0) & (d[i] <= 1.0);
-    }
-    for (int k = 0; k < found; ++k)
-        out.add(inside[k], d[inside[k]], -1);
-}
-
 void findInSphere(const Local& p, Range r, Candidates& out)
 {
     double d[kCapacity];
     for (int i = r.first; i < r.last; ++i)
         d[i] = std::sqrt(p.x[i] * p.x[i] + p.y[i] * p.y[i] + p.z[i] * p.z[i]);
-    collect(d, r, out);
+    out.setInside(d, r.first, r.last);
 }
 
 void findInCube(const Local& p, Range r, Candidates& out)
@@ -79,7 +67,7 @@ void findInCube(const Local& p, Range r, Candidates& out)
         const double largest = xy > z ? xy : z;
         d[i] = x <= 1.0 && y <= 1.0 && z <= 1.0 ? largest : kOutside;
     }
-    collect(d, r, out);
+    out.setInside(d, r.first, r.last);
     for (std::size_t k = 0; k < out.size(); ++k) {
         const auto i = static_cast<std::size_t>(out.point[k]);
         if (out.d[k] <= 1e-6)   // so near the middle that the length decides
@@ -87,19 +75,27 @@ void findInCube(const Local& p, Range r, Candidates& out)
     }
 }
 
-/// Points within the capsule's width are tested one by one.
+/// Points at the barrel's height are tested in bulk, those above and below it and within the width one by one.
 void findInCapsule(const Capsule& c, const Local& p, Range r, Candidates& out)
 {
-    const double x = std::max(std::fabs(c.topScale.x), std::fabs(c.bottomScale.x));
-    const double z = std::max(std::fabs(c.topScale.z), std::fabs(c.bottomScale.z));
+    constexpr double cap = -2.0;   // for a cap to say
+    const double x = std::max(c.bottomScale.x, c.topScale.x), z = std::max(c.bottomScale.z, c.topScale.z);
+    const double wideX = std::max(std::fabs(c.topScale.x), std::fabs(c.bottomScale.x));
+    const double wideZ = std::max(std::fabs(c.topScale.z), std::fabs(c.bottomScale.z));
     double       d[kCapacity];
-    for (int i = r.first; i < r.last; ++i)
-        d[i] = std::fabs(p.x[i]) <= x && std::fabs(p.z[i]) <= z ? 0.0 : kOutside;
     for (int i = r.first; i < r.last; ++i) {
-        if (d[i] == 0.0)
+        const double axis = barrelDistance(c, p.x[i], p.y[i], p.z[i]);
+        const double px = p.x[i], py = p.y[i], pz = p.z[i];
+        const bool   near = (px >= -x) & (px <= x) & (pz >= -z) & (pz <= z) & (axis <= 1.0);
+        const bool   wide = (std::fabs(px) <= wideX) & (std::fabs(pz) <= wideZ);
+        const double other = wide ? cap : kOutside, barrel = near ? axis : kOutside;
+        d[i] = (py >= -c.bottom) & (py <= c.top) ? barrel : other;
+    }
+    for (int i = r.first; i < r.last; ++i) {
+        if (d[i] == cap)
             d[i] = capsuleDistance(c, {p.x[i], p.y[i], p.z[i]});
     }
-    collect(d, r, out);
+    out.setInside(d, r.first, r.last);
 }
 
 Box boxOf(const PointBlock& b, int first, int last)
@@ -117,6 +113,23 @@ Box boxOf(const PointBlock& b, int first, int last)
 }
 
 } // namespace
+
+void Candidates::setInside(const double* distances, int first, int last)
+{
+    if (const auto most = static_cast<std::size_t>(last - first); point.size() < most)
+        makeRoom(most);
+    int* const    points = point.data();
+    double* const inside = d.data();
+    std::size_t   found = 0;
+    for (int i = first; i < last; ++i) {   // the next one overwrites what is not inside
+        const double distance = distances[i];
+        points[found] = i;
+        inside[found] = distance;
+        found += (distance >= 0.0) & (distance <= 1.0);
+    }
+    std::fill_n(cloud.data(), found, -1);
+    size_ = found;
+}
 
 void PointBlock::bound()
 {
@@ -210,9 +223,22 @@ int InfluenceTable::offer(int point, double distance, int volume, int sphere)
 
 std::size_t InfluenceTable::offer(const Candidates& candidates, int volume, int* slots, int* which)
 {
-    std::size_t taken = 0;
+    const int* const    points = candidates.point.data();
+    const int* const    spheres = candidates.cloud.data();
+    const double* const distances = candidates.d.data();
+    int* const          counts = count_.data();
+    std::size_t         taken = 0;
     for (std::size_t k = 0; k < candidates.size(); ++k) {
-        const int slot = offer(candidates.point[k], candidates.d[k], volume, candidates.cloud[k]);
+        const int point = points[k], used = counts[point];
+        int       slot = point * stride_ + used;
+        if (used < stride_) {
+            counts[point] = used + 1;
+            d[static_cast<std::size_t>(slot)] = distances[k];
+            bound[static_cast<std::size_t>(slot)] = volume;
+            cloud[static_cast<std::size_t>(slot)] = spheres[k];
+        } else {
+            slot = offer(point, distances[k], volume, spheres[k]);
+        }
         slots[taken] = slot;
         which[taken] = static_cast<int>(k);
         taken += slot >= 0;

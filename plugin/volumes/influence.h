@@ -37,6 +37,8 @@ public:
 
     std::size_t size() const { return size_; }
     void        clear() { size_ = 0; }
+    /// In place of what is there: the points from `first` up to `last` whose distance, `distances[point]`, is from 0 to 1.
+    void        setInside(const double* distances, int first, int last);
     void add(int p, double distance, int sphere)
     {
         if (size_ == point.size())

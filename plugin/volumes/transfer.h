@@ -42,6 +42,8 @@ struct TransferInput
     const float*   colors = nullptr;     ///< 4 each; all four -1: none
 
     volume::Vec at(std::size_t i) const;
+    /// True if `local` is world space as it stands.
+    bool stored() const;
 };
 
 /// Where results go. Null: not wanted. None of them overlaps an array of the input.
@@ -72,6 +74,8 @@ void transfer(const TransferVolumes& volumes, const volume::Box& pointsBox, cons
 
 /// Reads points `from` on, up to a full block, at most `most`, and sets its box.
 void loadBlock(const TransferInput& in, std::size_t from, int most, volume::PointBlock& block);
+/// The same without the coordinates where the boxes can be had from stored points alone; true if it read them as well.
+bool boundBlock(const TransferInput& in, std::size_t from, int most, volume::PointBlock& block);
 
 /// Slots a point needs: no more than maxInfluences, nor than there are things that can reach it.
 int slotsNeeded(int maxInfluences, const std::vector<volume::Volume>& volumes);

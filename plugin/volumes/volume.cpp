@@ -12,17 +12,7 @@ double ellipsoidDistance(Vec p, Vec radii)
     return std::sqrt(x * x + y * y + z * z);
 }
 
-/// The radii go from the bottom's to the top's along the barrel. Without height they are not numbers: a capsule whose
-/// offsets are both 0 has no barrel.
-double barrelDistance(const Capsule& c, Vec p)
-{
-    const double t = (c.top - p.y) / (c.top + c.bottom);
-    const double rx = c.topScale.x + (c.bottomScale.x - c.topScale.x) * t;
-    const double rz = c.topScale.z + (c.bottomScale.z - c.topScale.z) * t;
-    const double x = p.x / rx, z = p.z / rz;
-    return std::sqrt(x * x + z * z);
-}
-
+double barrelDistance(const Capsule& c, Vec p) { return barrelDistance(c, p.x, p.y, p.z); }
 double topDistance(const Capsule& c, Vec p) { return ellipsoidDistance({p.x, p.y - c.top, p.z}, c.topScale); }
 double bottomDistance(const Capsule& c, Vec p) { return ellipsoidDistance({p.x, p.y + c.bottom, p.z}, c.bottomScale); }
 

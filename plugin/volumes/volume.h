@@ -103,6 +103,17 @@ double sphereDistance(Vec local);
 double cubeDistance(Vec local);
 double capsuleDistance(const Capsule& capsule, Vec local, Region* region = nullptr);
 
+/// How far a point in the local frame is from the axis. The radii go from the bottom's to the top's along the barrel.
+/// Without height they are not numbers: a capsule whose offsets are both 0 has no barrel.
+inline double barrelDistance(const Capsule& c, double px, double py, double pz)
+{
+    const double t = (c.top - py) / (c.top + c.bottom);
+    const double rx = c.topScale.x + (c.bottomScale.x - c.topScale.x) * t;
+    const double rz = c.topScale.z + (c.bottomScale.z - c.topScale.z) * t;
+    const double x = px / rx, z = pz / rz;
+    return std::sqrt(x * x + z * z);
+}
+
 /// Distance of a point in world space from a sphere, cube or capsule, or kOutside.
 double distance(const Volume& volume, Vec point);
 /// The same measure without end: points outside have distances above 1. For a capsule it follows the barrel between the

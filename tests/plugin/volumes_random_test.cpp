@@ -167,3 +167,48 @@ TEST_F(RandomTransfer, ManyPointsAgainstThePlainLoop)
         EXPECT_LT(reached, int(kPoints));
     }
 }
+
+/// Large arrays are written another way than small ones, and a block with one volume near it is filled another way than
+/// one with several, or with normals: the numbers are the same.
+TEST_F(RandomTransfer, LargeArraysAsTheirPieces)
+{
+    constexpr unsigned kPoints = 140001, kPiece = 9973;
+    MVectorArray       positions(kPoints);
+    for (unsigned i = 0; i < kPoints; ++i)   // winding up the y axis: neighbours stay together
+        positions[i] = MVector(0.4 * std::cos(0.001 * i), 20.0 * i / kPoints - 10.0, 0.4 * std::sin(0.001 * i));
+    arraySource("v", "vectorArray", 0, "");
+    run("createNode attributeTransfer -name t; connectAttr arrays.v t.inGeometry; setAttr t.weight 1; setAttr t.position 1;"
+        "setAttr t.color 1");
+    for (int i = 0; i < 5; ++i) {   // the fourth and the fifth overlap
+        const std::string name = "b" + std::to_string(i);
+        volume(name, i % 3, 0.0, "setAttr " + name + ".translate 0.1 " + std::to_string(std::min(4.0 * i - 8.0, 5.0)) + " 0");
+        connectVolume(name, "t", i);
+    }
+    struct Result
+    {
+        std::vector<double>  weights, rgba;
+        std::vector<MVector> moved;
+    };
+    const auto evaluate = [&](unsigned first, unsigned last) {
+        MVectorArray piece(last - first);
+        for (unsigned i = first; i < last; ++i)
+            piece[i - first] = positions[i];
+        plug("arrays.v").setMObject(MFnVectorArrayData().create(piece));
+        return Result{doubles("t.outWeightPP"), doubles("t.outRgbaPP"), vectors("t.outGeometry")};
+    };
+    const Result all = evaluate(0, kPoints);
+    EXPECT_GT(std::count_if(all.weights.begin(), all.weights.end(), [](double w) { return w > 0.0; }), int(kPoints) / 4);
+    for (const char* normal : {"0", "1"}) {
+        run(std::string("setAttr t.normal ") + normal);
+        Result pieces;
+        for (unsigned first = 0; first < kPoints; first += kPiece) {
+            const Result piece = evaluate(first, std::min(kPoints, first + kPiece));
+            pieces.weights.insert(pieces.weights.end(), piece.weights.begin(), piece.weights.end());
+            pieces.rgba.insert(pieces.rgba.end(), piece.rgba.begin(), piece.rgba.end());
+            pieces.moved.insert(pieces.moved.end(), piece.moved.begin(), piece.moved.end());
+        }
+        EXPECT_EQ(all.weights, pieces.weights) << normal;
+        EXPECT_EQ(all.rgba, pieces.rgba) << normal;
+        EXPECT_TRUE(all.moved == pieces.moved) << normal;
+    }
+}
