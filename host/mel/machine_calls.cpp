@@ -21,7 +21,7 @@ namespace {
 const Instr* borrower(const Site& site, const Instr* call)
 {
     const Instr* next = call + 1;
-    if (next->op == OP_FRESH && !next->c && next[1].op == OP_FROMD && next[1].a == next->a)
+    if (next->op == OP_FRESH && !next->c && next[1].op == OP_FROMD)
         ++next;
     const bool fits = next->op == OP_FROMD && next->b == call->a && next->c && (Type(next->i) == Type::kFloats || Type(next->i) == Type::kInts);
     return fits && site.name == "getAttr" && !symbols().defined(site.name) ? next : nullptr;
@@ -97,7 +97,7 @@ const Instr* Machine::callCommand(const Site& site, Slot* registers, const Instr
     if (to && (lending->ints || lending->holder))
     {
         if (to != ip + 1)
-            freshArray(Type(to->i), registers[to->a], 0);
+            freshArray(Type(ip[1].i), registers[ip[1].a], 0);   // the declared variable
         borrow(*lending, Type(to->i), registers[to->a]);
         return to;
     }
