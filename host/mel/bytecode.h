@@ -31,10 +31,17 @@ namespace mirk::mel {
     X(MATH1) X(MATH2) X(MINI) X(MAXI) X(ABSI) X(MINF) X(MAXF) X(ABSF) X(SQRTF) \
     X(CALLP) X(CALLD) X(CALLN) X(RET) X(RETV) X(DEFP)
 
+// What the machine runs in place of the first of usual neighbours: all of them in one go. The others stay behind it, for
+// jumps that lead there.
+#define MIRK_MEL_FUSED(X) \
+    X(INCI_JLTI) X(ADDI_INCI_JLTI) X(SETAI_INCI_JLTI) X(ADDI_RET) \
+    X(ADDI_ADDI) X(MULI_ADDI) X(GETAF_GETAF) X(GETAF_MOV) X(MOV_GETAF) X(SETAF_SETAF) X(MULF_ADDF)
+
 enum OpCode : uint16_t
 {
 #define X(name) OP_##name,
     MIRK_MEL_OPS(X)
+    MIRK_MEL_FUSED(X)
 #undef X
 };
 
@@ -117,6 +124,8 @@ struct Body
 
     std::string                   name;
     std::vector<Instr>            code;
+    std::vector<Instr>            steps;      ///< the code as the machine runs it: the same places, neighbours fused
+    bool                          simple = false;   ///< frames own no objects and see no globals
     std::vector<uint32_t>         offsets;    ///< where in the first text each instruction comes from
     std::vector<Slot>             start;      ///< the registers of a fresh frame: constants, else zero
     std::vector<Type>             types;      ///< of the registers; the parts of a vector are floats
@@ -175,6 +184,9 @@ struct Unit
 
 /// Writes the numbers of a text into the registers of a fresh frame.
 void setParameters(const Body& body, std::span<const Literal> literals, std::vector<Slot>& start);
+
+/// The code with neighbours fused.
+std::vector<Instr> fused(const std::vector<Instr>& code);
 
 /// Number of a parameter list and result, for comparing.
 uint64_t signatureOf(Type returns, const std::vector<Type>& params);

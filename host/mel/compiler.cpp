@@ -163,6 +163,8 @@ std::shared_ptr<const Function> Codegen::finish()
 {
     emit(OP_RETV);
     fn_->code.shrink_to_fit();
+    fn_->steps = fused(fn_->code);
+    fn_->simple = fn_->heap.empty() && fn_->bound.empty();
     auto f = std::make_shared<Function>();
     f->source = unit_.source;
     f->procs = std::move(procs_);
@@ -170,6 +172,39 @@ std::shared_ptr<const Function> Codegen::finish()
     setParameters(*fn_, unit_.literals, f->start);
     f->body = std::move(fn_);
     return f;
+}
+
+std::vector<Instr> fused(const std::vector<Instr>& code)
+{
+    struct Row { OpCode fused; OpCode parts[3]; int count; };
+    static constexpr Row rows[] = {   // longer ones first
+        {OP_ADDI_INCI_JLTI, {OP_ADDI, OP_INCI, OP_JLTI}, 3},
+        {OP_SETAI_INCI_JLTI, {OP_SETAI, OP_INCI, OP_JLTI}, 3},
+        {OP_INCI_JLTI, {OP_INCI, OP_JLTI}, 2},
+        {OP_ADDI_RET, {OP_ADDI, OP_RET}, 2},
+        {OP_ADDI_ADDI, {OP_ADDI, OP_ADDI}, 2},
+        {OP_MULI_ADDI, {OP_MULI, OP_ADDI}, 2},
+        {OP_GETAF_GETAF, {OP_GETAF, OP_GETAF}, 2},
+        {OP_GETAF_MOV, {OP_GETAF, OP_MOV}, 2},
+        {OP_MOV_GETAF, {OP_MOV, OP_GETAF}, 2},
+        {OP_SETAF_SETAF, {OP_SETAF, OP_SETAF}, 2},
+        {OP_MULF_ADDF, {OP_MULF, OP_ADDF}, 2},
+    };
+    // the end of a counted loop: it counts what it compares, and leads back
+    const auto ends = [&](size_t pc) { return code[pc].a == code[pc - 1].a && code[pc].i <= int32_t(pc); };
+    std::vector<Instr> steps = code;
+    for (size_t pc = 0; pc < code.size(); ++pc)
+        for (const Row& row : rows)
+        {
+            const size_t n = size_t(row.count);
+            if (pc + n <= code.size() && std::equal(row.parts, row.parts + n, &code[pc], [](OpCode op, const Instr& in) { return in.op == op; }) &&
+                (row.parts[n - 1] != OP_JLTI || ends(pc + n - 1)))
+            {
+                steps[pc].op = row.fused;
+                break;
+            }
+        }
+    return steps;
 }
 
 void setParameters(const Body& body, std::span<const Literal> literals, std::vector<Slot>& start)

@@ -5,7 +5,6 @@
 #include <optional>
 #include <unordered_set>
 
-#include "command/lend.h"
 #include "command/value_text.h"
 #include "mel/dynamic.h"
 #include "mel/interpreter.h"
@@ -47,39 +46,6 @@ inline double length(const Vec3& v) { return std::sqrt(dotted(v, v)); }
 
 [[noreturn]] void divideByZero() { throw Error("Divide by zero."); }
 
-/// Whether a call reads an attribute into an array and the value has no other reader.
-bool borrows(const Site& site, const Instr* call)
-{
-    const Instr& next = call[1];
-    return next.op == OP_FROMD && next.b == call->a && next.c && (Type(next.i) == Type::kFloats || Type(next.i) == Type::kInts) &&
-           site.name == "getAttr" && !symbols().defined(site.name);
-}
-
-/// Puts what was lent into a variable; false if nothing was.
-bool borrowed(command::Lending& from, Type type, Slot& to)
-{
-    if (from.ints && type == Type::kInts)
-        object<IntArray>(to).adopt(std::move(from.ints));
-    else if (from.ints)
-    {
-        const auto& b = std::as_const(*from.ints);
-        auto        all = make<Buffer<double>>(b.size());
-        std::copy(b.begin(), b.end(), all->begin());
-        object<FloatArray>(to).adopt(std::move(all));
-    }
-    else if (!from.holder)
-        return false;
-    else if (type == Type::kFloats)
-        object<FloatArray>(to).borrow(from.floats, from.count, std::move(from.holder));
-    else
-    {
-        auto all = make<Buffer<int32_t>>(from.count);
-        std::transform(from.floats, from.floats + from.count, all->begin(), intFromDouble);
-        object<IntArray>(to).adopt(std::move(all));
-    }
-    return true;
-}
-
 }  // namespace
 
 Machine& machine()
@@ -96,7 +62,7 @@ Machine::~Machine() = default;
 
 // ---- frames
 
-void Machine::push(const Function& f)
+inline void Machine::push(const Function& f)
 {
     const size_t need = f.start.size();
     if (frameCount() >= kMaxFrames || size_t(end_ - top_) < need) [[unlikely]]
@@ -106,15 +72,16 @@ void Machine::push(const Function& f)
     for (size_t k = 0; k < need; ++k)
         base[k] = start[k];
     top_ += need;
-    *++frame_ = {&f, base, f.body->code.data()};
-    if (!f.body->bound.empty())
+    const Body* const body = f.body.get();
+    *++frame_ = {&f, body, base, body->steps.data()};
+    if (!body->bound.empty())
         readGlobals(*frame_);
 }
 
-void Machine::pop()
+inline void Machine::pop()
 {
     const Frame& f = *frame_--;
-    for (uint16_t r : f.function->body->heap)
+    for (uint16_t r : f.body->heap)
         release(f.base[r].p);
     top_ = f.base;
 }
@@ -142,7 +109,7 @@ void Machine::writeGlobals(Frame& f)
     if (f.written)
         return;
     f.written = true;
-    for (const Bound& b : f.function->body->bound)
+    for (const Bound& b : f.body->bound)
     {
         if (!b.written || isArray(b.type))
             continue;
@@ -159,7 +126,7 @@ void Machine::writeGlobals(Frame& f)
 void Machine::readGlobals(Frame& f)
 {
     f.written = false;
-    for (const Bound& b : f.function->body->bound)
+    for (const Bound& b : f.body->bound)
     {
         Slot* to = f.base + b.reg;
         if (b.global->type != b.type)
@@ -207,77 +174,12 @@ Value Machine::call(std::shared_ptr<const Function> f, std::span<const Value> ar
     return result;
 }
 
-Value Machine::callByName(const std::string& name, std::span<const Value> args)
+inline void Machine::callProc(const Site& site, Slot* from)
 {
-    if (const Function* f = symbols().defined(name))
-    {
-        for (ProcSlot* slot : {symbols().findInteractive(name), symbols().findProc(name)})
-            if (slot && slot->function.get() == f)
-                return call(slot->function, args);
-    }
-    if (command::find(name))
-        return command::execute(name, args);
-    if (findScript && findScript(name))
-        if (const ProcSlot* slot = symbols().findProc(name); slot && slot->function)
-            return call(slot->function, args);
-    throw Error("Cannot find procedure \"" + name + "\".");
-}
-
-Value Machine::callDynamic(const Site& site, Slot* registers)
-{
-    if (site.literals.size() == site.args.size())
-        return callByName(site.name, site.literals);
-    std::vector<Value> args;
-    args.reserve(site.args.size());
-    size_t literal = 0;
-    for (const Site::Arg& a : site.args)
-        args.push_back(a.type == Type::kVoid ? site.literals[literal++] : toValue(a.type, registers + a.reg));
-    return callByName(site.name, args);
-}
-
-/// A call whose value has a type at run time only. True if the instruction behind it, which puts an array into a variable,
-/// is done too.
-bool Machine::callCommand(const Site& site, Slot* registers, const Instr* ip)
-{
-    Frame&     f = *frame_;
-    const bool globals = !f.function->body->bound.empty();
-    if (globals)
-        writeGlobals(f);
-    std::optional<command::Lending> lending;
-    if (borrows(site, ip))
-        lending.emplace();
-    Value v = callDynamic(site, registers);
-    if (globals)
-        readGlobals(f);
-    if (lending && borrowed(*lending, Type(ip[1].i), registers[ip[1].a]))
-        return true;
-    fromValue(std::move(v), Type::kDyn, registers + ip->a);
-    return false;
-}
-
-/// A procedure that changed its signature since the caller was compiled, or that is gone.
-void Machine::callSlow(const Site& site, Slot* registers, uint16_t out)
-{
-    Value v;
-    if (site.proc->function)
-    {
-        std::vector<Value> args;
-        for (const Site::Arg& a : site.args)
-            args.push_back(toValue(a.type, registers + a.reg));
-        v = call(site.proc->function, args);
-    }
-    else
-        v = callDynamic(site, registers);
-    if (site.result != Type::kVoid)
-        fromValue(std::move(v), site.result, registers + out);
-}
-
-void Machine::callProc(const Site& site, Slot* from)
-{
-    const Function& f = *site.proc->function;
+    const Function& f = *site.proc->current;
     push(f);
     Slot* const to = frame_->base;
-    const auto* param = f.body->params.data();
+    const auto* param = frame_->body->params.data();
     for (const Site::Arg& arg : site.args)
     {
         const auto [type, reg] = *param++;
@@ -325,7 +227,7 @@ void Machine::handle(size_t bottom)
     bool                 stop = false;
     std::optional<ScriptError> error;
     const Frame&         f = *frame_;
-    const size_t         at = size_t(f.ip - f.function->body->code.data());
+    const size_t         at = size_t(f.ip - f.body->steps.data());
     const auto located = [&](const std::string& text) { return errorAt(*f.function->source, f.function->offset(at), text); };
     try
     {
@@ -347,7 +249,7 @@ void Machine::handle(size_t bottom)
     for (; frameCount() > bottom; pop())
     {
         Frame&       frame = *frame_;
-        const size_t pc = size_t(frame.ip - frame.function->body->code.data());
+        const size_t pc = size_t(frame.ip - frame.body->steps.data());
         try
         {
             writeGlobals(frame);
@@ -358,12 +260,12 @@ void Machine::handle(size_t bottom)
         }
         if (stop)
             continue;
-        for (const Handler& h : frame.function->body->handlers)
+        for (const Handler& h : frame.body->handlers)
             if (pc >= h.from && pc < h.to)
             {
                 readGlobals(frame);
                 frame.base[h.result].i = 1;
-                frame.ip = frame.function->body->code.data() + h.target;
+                frame.ip = frame.body->steps.data() + h.target;
                 if (!h.quiet)
                     message(Severity::kError, error->what());
                 return;
@@ -393,7 +295,7 @@ void Machine::checkInterrupt()
     if (!interruptFlag.exchange(false))
         return;
     const Frame& f = *frame_;
-    ScriptError  e = errorAt(*f.function->source, f.function->offset(size_t(f.ip - f.function->body->code.data())), "Interrupted.");
+    ScriptError  e = errorAt(*f.function->source, f.function->offset(size_t(f.ip - f.body->steps.data())), "Interrupted.");
     e.interrupted = true;
     throw e;
 }
@@ -406,6 +308,7 @@ void Machine::execute(size_t bottom, Value& result)
     static const void* const labels[] = {
 #define X(name) &&L_##name,
         MIRK_MEL_OPS(X)
+        MIRK_MEL_FUSED(X)
 #undef X
     };
 
@@ -413,6 +316,7 @@ void Machine::execute(size_t bottom, Value& result)
     static const void* const traps[] = {
 #define X(name) &&L_enterNative,
         MIRK_MEL_OPS(X)
+        MIRK_MEL_FUSED(X)
 #undef X
     };
 
@@ -420,6 +324,7 @@ void Machine::execute(size_t bottom, Value& result)
     Frame* const       last = frames_.get() + bottom + 1;   // its return ends the run
     const Instr*       ip;
     Slot*              r;
+    const Body*        body;
     const Instr*       code;
     const Site*        sites;
     const void* const* table = labels;
@@ -431,10 +336,11 @@ void Machine::execute(size_t bottom, Value& result)
     {                                                 \
         fp = frame_;                                  \
         const Frame& f_ = *fp;                        \
+        body = f_.body;                               \
         ip = f_.ip;                                   \
         r = f_.base;                                  \
-        code = f_.function->body->code.data();              \
-        sites = f_.function->body->sites.data();            \
+        code = body->steps.data();                    \
+        sites = body->sites.data();                   \
     } while (0)
 #define A r[ip->a]
 #define B r[ip->b]
@@ -447,26 +353,29 @@ void Machine::execute(size_t bottom, Value& result)
         ++ip;    \
         GO();    \
     } while (0)
-#define JUMP()                                                                        \
-    do                                                                                \
-    {                                                                                 \
-        const Instr* to_ = code + ip->i;                                              \
-        if (to_ <= ip)                                                                \
-        {                                                                             \
-            if (interruptFlag.load(std::memory_order_relaxed)) [[unlikely]]           \
-            {                                                                         \
-                SAVE();                                                               \
-                checkInterrupt();                                                     \
-            }                                                                         \
-            if (--turns <= 0) [[unlikely]]                                            \
-            {                                                                         \
-                turns = hot;                                                          \
-                if (nativeCode(*fp->function->body, interruptFlag))        \
-                    table = traps;                                                    \
-            }                                                                         \
-        }                                                                             \
-        ip = to_;                                                                     \
-        GO();                                                                         \
+#define BACK()                                                        \
+    do                                                                \
+    {                                                                 \
+        if (interruptFlag.load(std::memory_order_relaxed)) [[unlikely]] \
+        {                                                             \
+            SAVE();                                                   \
+            checkInterrupt();                                         \
+        }                                                             \
+        if (--turns <= 0) [[unlikely]]                                \
+        {                                                             \
+            turns = hot;                                              \
+            if (nativeCode(*body, interruptFlag))                     \
+                table = traps;                                        \
+        }                                                             \
+    } while (0)
+#define JUMP()                           \
+    do                                   \
+    {                                    \
+        const Instr* to_ = code + ip->i; \
+        if (to_ <= ip)                   \
+            BACK();                      \
+        ip = to_;                        \
+        GO();                            \
     } while (0)
 #define JUMP_IF(test) \
     do                \
@@ -477,7 +386,7 @@ void Machine::execute(size_t bottom, Value& result)
     } while (0)
 
     LOAD_FRAME();
-    if (fp->function->body->native)
+    if (body->native)
         table = traps;
     GO();
 
@@ -486,7 +395,7 @@ void Machine::execute(size_t bottom, Value& result)
 L_enterNative:
 {
     table = labels;
-    const NativeCode* native = fp->function->body->native.get();
+    const NativeCode* native = body->native.get();
     if (!native || !nativeEnabled())
         GO();
     const void* at = native->entries[size_t(ip - code)];
@@ -500,7 +409,7 @@ L_enterNative:
             freshArray(type, r[reg], 0);
     ip = code + native->run(r, at);
     if (ip->op == OP_CALLP && !native->taken.empty())
-        renewNative(*fp->function->body);
+        renewNative(*body);
     table = traps;
     goto* labels[ip->op];
 }
@@ -694,26 +603,75 @@ L_MAXF:  A.d = std::max(B.d, C.d); NEXT();
 L_ABSF:  A.d = std::fabs(B.d); NEXT();
 L_SQRTF: A.d = std::sqrt(B.d); NEXT();
 
+// ---- neighbours in one go
+
+#define STEP(what) what; ++ip
+L_INCI_JLTI:
+{
+    const int32_t counted = wrap(int64_t(A.i) + ip->i);
+    A.i = counted;
+    ++ip;
+    JUMP_IF(counted < B.i);
+}
+L_SETAI_INCI_JLTI:
+{
+    STEP(SAVE(); object<IntArray>(A).set(B.i, C.i));
+    const int32_t counted = wrap(int64_t(A.i) + ip->i);
+    A.i = counted;
+    ++ip;
+    JUMP_IF(counted < B.i);
+}
+L_ADDI_INCI_JLTI:   // may be all of a loop: then it stays here
+{
+    const Instr* const first = ip;
+    Slot *const        sum = &A, *const left = &B, *const right = &C, *const counter = r + ip[1].a, *const limit = r + ip[2].b;
+    const int32_t      step = ip[1].i;
+    ip += 2;
+    const Instr* const to = code + ip->i;
+    do
+    {
+        sum->i = wrap(int64_t(left->i) + right->i);
+        const int32_t counted = wrap(int64_t(counter->i) + step);
+        counter->i = counted;
+        if (counted >= limit->i)
+            NEXT();
+        BACK();
+    } while (to == first && table == labels);
+    ip = to;
+    GO();
+}
+L_ADDI_RET:        STEP(A.i = wrap(int64_t(B.i) + C.i)); goto L_RET;
+L_ADDI_ADDI:       STEP(A.i = wrap(int64_t(B.i) + C.i)); A.i = wrap(int64_t(B.i) + C.i); NEXT();
+L_MULI_ADDI:       STEP(A.i = wrap(int64_t(B.i) * C.i)); A.i = wrap(int64_t(B.i) + C.i); NEXT();
+L_GETAF_GETAF:     STEP(SAVE(); A.d = object<FloatArray>(B).get(C.i)); SAVE(); A.d = object<FloatArray>(B).get(C.i); NEXT();
+L_GETAF_MOV:       STEP(SAVE(); A.d = object<FloatArray>(B).get(C.i)); A.d = B.d; NEXT();
+L_MOV_GETAF:       STEP(A.d = B.d); SAVE(); A.d = object<FloatArray>(B).get(C.i); NEXT();
+L_SETAF_SETAF:     STEP(SAVE(); object<FloatArray>(A).set(B.i, C.d)); SAVE(); object<FloatArray>(A).set(B.i, C.d); NEXT();
+L_MULF_ADDF:       STEP(A.d = times(B.d, C.d)); A.d = plus(B.d, C.d); NEXT();
+#undef STEP
+
+// ---- calls
+
 L_CALLP:
 {
     SAVE();
     if (interruptFlag.load(std::memory_order_relaxed)) [[unlikely]]
         checkInterrupt();
-    Frame&      f = *fp;
     const Site& site = sites[ip->i];
-    if (!f.function->body->bound.empty())
-        writeGlobals(f);
-    const Function* callee = site.proc->function.get();
+    if (!body->bound.empty())
+        writeGlobals(*fp);
+    const Function* callee = site.proc->current;
     if (callee && callee->body->signature == site.signature) [[likely]]
     {
+        const Body& entered = *callee->body;
         callProc(site, r);
         LOAD_FRAME();
-        if (callee->body->native || (++callee->body->calls >= hot && entersNative(*callee->body)))
+        if (entered.native || (++entered.calls >= hot && entersNative(entered)))
             table = traps;
         GO();
     }
     callSlow(site, r, ip->a);
-    if (!fp->function->body->bound.empty())
+    if (!body->bound.empty())
         readGlobalsKeeping(site.result, ip->a);
     NEXT();
 }
@@ -722,14 +680,14 @@ L_CALLD:
     SAVE();
     if (interruptFlag.load(std::memory_order_relaxed)) [[unlikely]]
         checkInterrupt();
-    ip += callCommand(sites[ip->i], r, ip) ? 2 : 1;
-    GO();
+    ip = callCommand(sites[ip->i], r, ip);
+    NEXT();
 }
 L_CALLN:
 {
     SAVE();
     const Site& site = sites[ip->i];
-    const bool  globals = site.native->runsScript && !fp->function->body->bound.empty();
+    const bool  globals = site.native->runsScript && !body->bound.empty();
     if (globals)
         writeGlobals(*fp);
     NativeCall c(r, site, ip->a);
@@ -739,15 +697,29 @@ L_CALLN:
     NEXT();
 }
 L_RET:
+    if (body->simple && fp != last && fp[-1].body->bound.empty() && (body->returns == Type::kInt || body->returns == Type::kFloat)) [[likely]]
+    {
+        const Slot*  value = &A;
+        const Frame& caller = fp[-1];
+        Slot*        out = caller.base + caller.ip->a;
+        if (body->returns == Type::kInt)
+            out->i = value->i;
+        else
+            out->d = value->d;
+        frame_ = fp - 1;
+        top_ = r;
+        LOAD_FRAME();
+        if (body->native)
+            table = traps;
+        NEXT();
+    }
 L_RETV:
 {
-    Frame&          f = *fp;
     SAVE();
-    const Body& fn = *f.function->body;
-    if (!fn.bound.empty())
-        writeGlobals(f);
+    if (!body->bound.empty())
+        writeGlobals(*fp);
     const bool  gives = ip->op == OP_RET;
-    const Type  type = fn.returns;
+    const Type  type = body->returns;
     Slot* const value = &r[ip->a];
     if (fp == last)
     {
@@ -765,7 +737,7 @@ L_RETV:
     }
     Frame&         caller = fp[-1];
     const uint16_t out = caller.ip->a;
-    if (!caller.function->body->bound.empty())
+    if (!caller.body->bound.empty())
         readGlobals(caller);
     if (gives && type == Type::kInt)
         caller.base[out].i = value->i;
@@ -775,7 +747,7 @@ L_RETV:
         giveResult(type, caller.base + out, gives ? value : nullptr);
     pop();
     LOAD_FRAME();
-    if (fp->function->body->native)
+    if (body->native)
         table = traps;
     NEXT();
 }

@@ -30,6 +30,7 @@ private:
     struct Frame
     {
         const Function* function;   ///< lives: its slot, the caller outside or `retired_` holds it
+        const Body*     body;
         Slot*           base;
         const Instr*    ip;                ///< while another frame runs: the call
         bool            written = false;   ///< globals are written back and may be newer than the registers
@@ -49,7 +50,7 @@ private:
     void  writeGlobals(Frame& f);
     void  readGlobals(Frame& f);
     Value callDynamic(const Site& site, Slot* registers);
-    bool  callCommand(const Site& site, Slot* registers, const Instr* ip);
+    const Instr* callCommand(const Site& site, Slot* registers, const Instr* ip);
     void  callSlow(const Site& site, Slot* registers, uint16_t out);
     void  checkInterrupt();
 

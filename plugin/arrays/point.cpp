@@ -39,6 +39,8 @@ struct PointRun
     const double* values[kBlockCount] = {};   ///< of the results that have the right length
 
     const PointData& second() const { return hasSecond ? in2 : in; }
+    /// Whether each position has a turn of the loop, in order.
+    bool replacesAll() const { return subset.all && subset.turns >= in.count && in.positionCount == in.count; }
 };
 
 namespace {
@@ -102,9 +104,12 @@ OutArray allPairs(const PointData& data)
     const MFloatArray &us = data.us, &vs = data.vs;
     OutArray           out(OutArray::kDoubles);
     double*            to = out.resize(2 * us.length());
+    if (us.length() == 0)
+        return out;
+    const float *u = &us[0], *v = &vs[0];   // of one length
     for (unsigned int k = 0; k < us.length(); ++k, to += 2) {
-        to[0] = us[k];
-        to[1] = vs[k];
+        to[0] = u[k];
+        to[1] = v[k];
     }
     return out;
 }
@@ -116,6 +121,10 @@ OutArray newPositions(const PointRun& run, const double* result)
     if (!result)
         return out;
     double* const to = out.resize(run.in.positionCount);
+    if (run.replacesAll()) {
+        std::copy(result, result + 3 * std::size_t(run.in.positionCount), to);
+        return out;
+    }
     for (unsigned int i = 0; i < run.in.positionCount; ++i)
         std::copy(run.in.at(i), run.in.at(i) + 3, to + 3 * std::size_t(i));
     eachPoint(run.subset, [&](std::size_t i, std::size_t turn) {
@@ -132,11 +141,20 @@ void applyPositions(PointRun& run, const double* result)
     if (in.kind == MFnData::kMesh) {
         MFloatPointArray narrow;   // narrowed once, as a mesh stores them
         narrow.setLength(in.positionCount);
-        for (unsigned int i = 0; i < in.positionCount; ++i)
-            narrow[i] = MFloatPoint(float(in.at(i)[0]), float(in.at(i)[1]), float(in.at(i)[2]));
+        MFloatPoint* const to = in.positionCount > 0 ? &narrow[0] : nullptr;
+        const auto         put = [](MFloatPoint& point, const double* p) {
+            point.x = float(p[0]);
+            point.y = float(p[1]);
+            point.z = float(p[2]);
+            point.w = 1.0f;
+        };
+        if (!run.replacesAll()) {
+            for (unsigned int i = 0; i < in.positionCount; ++i)
+                put(to[i], in.at(i));
+        }
         eachPoint(run.subset, [&](std::size_t i, std::size_t turn) {
-            const double* p = result + 3 * turn;
-            narrow[static_cast<unsigned int>(i)] = MFloatPoint(float(p[0]), float(p[1]), float(p[2]));
+            if (i < in.positionCount)
+                put(to[i], result + 3 * turn);
         });
         MFnMesh(run.geometry).setPoints(narrow, run.space);
         return;
@@ -351,7 +369,7 @@ bool point::actsOn(const MPlug& plug, MDataBlock& block) const
     return plug == aOutGeo;
 }
 
-bool point::gather(MDataBlock& block, PointRun& run) const
+bool point::gather(MDataBlock& block, PointRun& run)
 {
     const MObject self = thisMObject();
     const auto    text = [&](const MObject& attribute) { return block.inputValue(attribute).asString(); };
@@ -369,17 +387,17 @@ bool point::gather(MDataBlock& block, PointRun& run) const
         (second.geometry.isConnected() && !openPoints(block, second, run.space, run.in2)))
         return false;
     run.hasSecond = run.in2.count > 0;
-    readPoints(block, first, run.space, run.in);
+    readPoints(block, first, run.space, constants_, run.in);
     if (run.hasSecond)
-        readPoints(block, second, run.space, run.in2);
+        readPoints(block, second, run.space, constants_, run.in2);
 
     const auto   mode = static_cast<SubsetMode>(block.inputValue(aUseComp).asShort());
     const int    groupId = block.inputValue(aGroupId).asInt();
     const Subset subset(block, mode, {MPlug(self, aInComp), geometry.data(), groupId});
-    gatherSubset(geometry, subset, subset.componentCount(run.in.count), run.in, run.subset);
+    gatherSubset(geometry, subset, subset.componentCount(run.in.count), run.in, constants_, run.subset);
     if (block.inputValue(aEnable[kMap]).asBool())
         gatherMap(run.in, run.uvSet, subset.all(), run.subset, run.map);
-    run.box = boxOf(run.in);
+    run.box = run.in.box;
     run.subsetBox = subset.all() ? run.box : boxOf(run.in, run.subset);
     return true;
 }

@@ -5,6 +5,7 @@
 #include <maya/MSpace.h>
 #include <maya/MTypeId.h>
 
+#include "arrays/pointData.h"
 #include "arrays/pointText.h"
 
 struct PointRun;
@@ -34,11 +35,13 @@ public:
 
 private:
     bool         actsOn(const MPlug& plug, MDataBlock& block) const;
-    bool         gather(MDataBlock& block, PointRun& run) const;
+    bool         gather(MDataBlock& block, PointRun& run);
     void         publish(MDataBlock& block, const PointRun& run) const;
     void         runBlocks(MDataBlock& block, PointRun& run) const;
     MDoubleArray evaluate(pointText::Block which, MDataBlock& block, const PointRun& run) const;
     MStatus      write(MDataBlock& block, const PointRun& run) const;
     pointText::Source source(pointText::Block which, MDataBlock& block, const PointRun& run) const;
     std::string  plugName(const MObject& attribute) const;
+
+    PointConstants constants_;
 };

@@ -13,6 +13,7 @@
 #include <maya/MPointArray.h>
 
 #include <algorithm>
+#include <numeric>
 
 #include "core/node.h"
 #include "core/subset.h"
@@ -52,6 +53,34 @@ bool isPeriodicSurface(MDataHandle& geometry, unsigned int vertexCount)
     return static_cast<unsigned int>(surface.numCVsInU() * surface.numCVsInV()) != vertexCount;
 }
 
+/// Box around the points that were added.
+class Bounds
+{
+public:
+    void add(const double* p)
+    {
+        if (empty_) {
+            std::copy(p, p + 3, low_);
+            std::copy(p, p + 3, high_);
+            empty_ = false;
+        }
+        for (int k = 0; k < 3; ++k) {
+            low_[k] = std::min(low_[k], p[k]);
+            high_[k] = std::max(high_[k], p[k]);
+        }
+    }
+    MBoundingBox box() const
+    {
+        if (empty_)
+            return {};
+        return {MPoint(low_[0], low_[1], low_[2]), MPoint(high_[0], high_[1], high_[2])};
+    }
+
+private:
+    double low_[3] = {}, high_[3] = {};
+    bool   empty_ = true;
+};
+
 void writePoints(const MPointArray& points, PointData& data)
 {
     data.positionCount = points.length();
@@ -59,6 +88,10 @@ void writePoints(const MPointArray& points, PointData& data)
     data.xyzw = to;
     if (to)
         points.get(reinterpret_cast<double(*)[4]>(to));
+    Bounds bounds;
+    for (unsigned int i = 0; i < std::min(data.count, data.positionCount); ++i)
+        bounds.add(data.at(i));
+    data.box = bounds.box();
 }
 
 void readPositions(MDataHandle& geometry, MSpace::Space space, PointData& data)
@@ -76,14 +109,15 @@ void readPositions(MDataHandle& geometry, MSpace::Space space, PointData& data)
     }
     const float* from = mesh.getRawPoints();   // nothing to transform: straight from where they are
     double*      to = data.positions.resize(data.count);
+    Bounds       bounds;
     data.positionCount = data.count;
     data.xyzw = to;
     for (unsigned int i = 0; i < data.count; ++i, from += 3, to += 4) {
-        to[0] = from[0];
-        to[1] = from[1];
-        to[2] = from[2];
-        to[3] = 1.0;
+        const double point[4] = {from[0], from[1], from[2], 1.0};
+        std::copy(point, point + 4, to);
+        bounds.add(point);
     }
+    data.box = bounds.box();
 }
 
 void put(double*& to, double r, double g, double b, double a)
@@ -97,22 +131,29 @@ void put(double*& to, double r, double g, double b, double a)
 
 /// From the array if it is connected: a value a point is grey, everything else goes by fours. From the mesh otherwise.
 /// What is missing is black and opaque.
-void readColors(MDataBlock& block, const PointInput& input, PointData& data)
+void readColors(MDataBlock& block, const PointInput& input, PointConstants& constants, PointData& data)
 {
+    const bool  connected = input.colors.isConnected();
+    MColorArray colors;
+    if (!connected && data.kind == MFnData::kMesh) {
+        const MColor black(0.0f, 0.0f, 0.0f, 1.0f);
+        MFnMesh(data.mesh).getVertexColors(colors, input.colorSet.length() > 0 ? &input.colorSet : nullptr, &black);
+    }
+    if (!connected && colors.length() == 0) {
+        data.rgba = constants.black(data.count, data.colors);
+        return;
+    }
     double*      to = data.rgba.resize(4 * data.count);
     unsigned int done = 0;
     data.colors = to;
-    if (input.colors.isConnected()) {
+    if (connected) {
         const ArrayView array = viewArray(block, input.colors.attribute());
         const double*   v = array.doubles;
         const bool      grey = array.length == data.count;
         const unsigned  present = std::min(data.count, grey ? array.length : array.length / 4);
         for (; v && done < present; ++done, v += grey ? 1 : 4)
             grey ? put(to, v[0], v[0], v[0], v[0]) : put(to, v[0], v[1], v[2], v[3]);
-    } else if (data.kind == MFnData::kMesh) {
-        const MColor       black(0.0f, 0.0f, 0.0f, 1.0f);
-        MColorArray        colors;
-        MFnMesh(data.mesh).getVertexColors(colors, input.colorSet.length() > 0 ? &input.colorSet : nullptr, &black);
+    } else {
         const MColorArray& c = colors;
         for (; done < std::min(data.count, c.length()); ++done)
             put(to, c[done].r, c[done].g, c[done].b, c[done].a);
@@ -147,8 +188,10 @@ void readNormals(MDataBlock& block, const PointInput& input, MSpace::Space space
 /// The UV table, and one U, V a point: 0, 0 for a point without.
 void readUVs(const MString& uvSetName, PointData& data)
 {
-    const MString* uvSet = uvSetName.length() > 0 ? &uvSetName : nullptr;
-    MFnMesh(data.mesh).getUVs(data.us, data.vs, uvSet);
+    const MFnMesh  mesh(data.mesh);
+    const bool     current = uvSetName.length() == 0 || mesh.currentUVSetName() == uvSetName;
+    const MString* uvSet = current ? nullptr : &uvSetName;   // a name is looked up for each vertex
+    mesh.getUVs(data.us, data.vs, uvSet);
     double*       to = data.sharedMap.resize(2 * data.count);
     MItMeshVertex vertex(data.mesh);
     for (unsigned int i = 0; i < data.count; ++i, to += 2) {
@@ -163,6 +206,31 @@ void readUVs(const MString& uvSetName, PointData& data)
 }
 
 } // namespace
+
+OutArray PointConstants::ids(unsigned int count, const int*& first)
+{
+    if (count != idCount_) {
+        ids_ = OutArray(OutArray::kInts);
+        int* to = ids_.resizeInts(idCount_ = count);
+        std::iota(to, to + count, 0);
+        firstId_ = to;
+    }
+    first = firstId_;
+    return ids_;
+}
+
+OutArray PointConstants::black(unsigned int count, const double*& first)
+{
+    if (count != blackCount_) {
+        black_ = OutArray(OutArray::kDoubles);
+        double* to = black_.resize(4 * (blackCount_ = count));
+        firstBlack_ = to;
+        for (unsigned int i = 0; i < count; ++i)
+            put(to, 0.0, 0.0, 0.0, 1.0);
+    }
+    first = firstBlack_;
+    return black_;
+}
 
 bool openPoints(MDataBlock& block, const PointInput& input, MSpace::Space space, PointData& data)
 {
@@ -183,34 +251,38 @@ bool openPoints(MDataBlock& block, const PointInput& input, MSpace::Space space,
     return true;
 }
 
-void readPoints(MDataBlock& block, const PointInput& input, MSpace::Space space, PointData& data)
+void readPoints(MDataBlock& block, const PointInput& input, MSpace::Space space, PointConstants& constants,
+                PointData& data)
 {
     if (data.mesh.isNull())
         return;
     MDataHandle geometry = block.inputValue(input.geometry.attribute());
     readPositions(geometry, space, data);
-    readColors(block, input, data);
+    readColors(block, input, constants, data);
     readNormals(block, input, space, data);
     readUVs(input.uvSet, data);
 }
 
 void gatherSubset(MDataHandle& geometry, const Subset& subset, unsigned int componentCount, const PointData& data,
-                  PointSubset& out)
+                  PointConstants& constants, PointSubset& out)
 {
+    out.turns = componentCount;
+    out.all = subset.all();
+    if (out.all) {
+        out.idCount = data.count;
+        out.ids = constants.ids(data.count, out.id);
+        return;
+    }
     std::vector<int> members;
     unsigned int     i = 0;
-    if (!subset.all()) {
-        for (MItGeometry it(geometry); !it.isDone() && i < data.count; it.next(), ++i) {
-            if (subset.has(it.currentItem()))
-                members.push_back(static_cast<int>(i));
-        }
+    for (MItGeometry it(geometry); !it.isDone() && i < data.count; it.next(), ++i) {
+        if (subset.has(it.currentItem()))
+            members.push_back(static_cast<int>(i));
     }
-    out.idCount = subset.all() ? data.count : static_cast<unsigned int>(members.size());
-    out.turns = componentCount;
+    out.idCount = static_cast<unsigned int>(members.size());
     int* to = out.ids.resizeInts(out.idCount);
     out.id = to;
-    for (i = 0; i < out.idCount; ++i)
-        to[i] = subset.all() ? static_cast<int>(i) : members[i];
+    std::copy(members.begin(), members.end(), to);
 }
 
 void gatherMap(const PointData& data, const MString& uvSetName, bool all, const PointSubset& subset, PointMap& out)
@@ -240,20 +312,6 @@ void gatherMap(const PointData& data, const MString& uvSetName, bool all, const 
             *point++ = std::max(user[k], 0);
         }
     }
-}
-
-MBoundingBox boxOf(const PointData& data)
-{
-    const unsigned int count = std::min(data.count, data.positionCount);
-    if (count == 0)
-        return {};
-    MPoint low(data.at(0)[0], data.at(0)[1], data.at(0)[2]), high = low;
-    for (unsigned int i = 1; i < count; ++i) {
-        const double* p = data.at(i);
-        low = MPoint(std::min(low.x, p[0]), std::min(low.y, p[1]), std::min(low.z, p[2]));
-        high = MPoint(std::max(high.x, p[0]), std::max(high.y, p[1]), std::max(high.z, p[2]));
-    }
-    return {low, high};
 }
 
 MBoundingBox boxOf(const PointData& data, const PointSubset& subset)

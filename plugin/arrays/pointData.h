@@ -36,6 +36,7 @@ struct PointData
     OutArray      positions{OutArray::kPoints};   ///< CVs of a curve: there may be more or less than `count`
     const double* xyzw = nullptr;
     unsigned int  positionCount = 0;
+    MBoundingBox  box;                            ///< of the first `count` points
     OutArray      rgba{OutArray::kDoubles};
     const double* colors = nullptr;               ///< flat, rounded to single precision as the host stores colours
     OutArray      normals{OutArray::kVectors};
@@ -53,6 +54,7 @@ struct PointSubset
     OutArray     ids{OutArray::kInts};   ///< ascending
     const int*   id = nullptr;
     unsigned int idCount = 0;
+    bool         all = false;            ///< every point, in order
     unsigned int turns = 0;              ///< of the loop: what the component counts, points or not
 };
 
@@ -65,21 +67,38 @@ struct PointMap
     unsigned int count = 0;
 };
 
+/// Arrays that depend on nothing but a length. A node keeps them from one evaluation to the next, so that evaluating
+/// again at the same size fills none of them.
+class PointConstants
+{
+public:
+    /// 0, 1, 2 and on.
+    OutArray ids(unsigned int count, const int*& first);
+    /// Black and opaque, four values a point.
+    OutArray black(unsigned int count, const double*& first);
+
+private:
+    OutArray      ids_{OutArray::kInts}, black_{OutArray::kDoubles};
+    const int*    firstId_ = nullptr;
+    const double* firstBlack_ = nullptr;
+    unsigned int  idCount_ = 0, blackCount_ = 0;
+};
+
 /// Finds the mesh to read and counts the points. False, after a warning, if nothing can be done with the geometry. One
 /// of no known kind has no points.
 bool openPoints(MDataBlock& block, const PointInput& input, MSpace::Space space, PointData& data);
 /// Reads what is known of the points of an open geometry.
-void readPoints(MDataBlock& block, const PointInput& input, MSpace::Space space, PointData& data);
+void readPoints(MDataBlock& block, const PointInput& input, MSpace::Space space, PointConstants& constants,
+                PointData& data);
 
 /// `componentCount`: elements of the subset's component; the point count where there is none.
 void gatherSubset(MDataHandle& geometry, const Subset& subset, unsigned int componentCount, const PointData& data,
-                  PointSubset& out);
+                  PointConstants& constants, PointSubset& out);
 
 /// All UVs of the table, or with a real subset those that its points use.
 void gatherMap(const PointData& data, const MString& uvSet, bool all, const PointSubset& subset, PointMap& out);
 
-/// Box around the first `count` points, and around some of them.
-MBoundingBox boxOf(const PointData& data);
+/// Box around some of the points.
 MBoundingBox boxOf(const PointData& data, const PointSubset& subset);
 
 /// Makes `out` an array cut or padded with zeros to a length; its first value, null for length 0. `stride`: values an

@@ -236,6 +236,22 @@ TEST_F(PointNode, TheSecondGeometry)
     EXPECT_EQ(evaluated("outSharedMapPP2").size(), 8u);
 }
 
+TEST_F(PointNode, WhatDependsOnTheLengthAloneFollowsIt)
+{
+    plane("setAttr e.enableColor 1;");
+    block("Color", "$ID = $IDS[$i]; $R = $ID; $CLR[$ox4] = 7;");   // the text's own copy
+    for (const auto& [divisions, count] : {std::pair{2, 6u}, {3, 8u}, {2, 6u}}) {
+        run("setAttr polyPlane1.subdivisionsWidth " + std::to_string(divisions));
+        std::vector<double> expected;
+        for (unsigned int i = 0; i < count; ++i)
+            expected.insert(expected.end(), {double(i), 0.0, 0.0, 1.0});
+        EXPECT_EQ(evaluated("outRgbaPP"), expected) << count;
+        EXPECT_EQ(ints("outIdPP").size(), count);
+    }
+    block("Color", "$G = $CLR[$ox4];");
+    EXPECT_EQ(evaluated("outRgbaPP")[1], 0.0) << "the colours of the mesh, not those of a text";
+}
+
 TEST_F(PointNode, CurvesMoveAndLeaveTheirExtrudeBehind)
 {
     run("curve -degree 1 -point 0 0 0 -point 1 0 0 -point 2 0 0 -name k; setAttr k.translateY 5;"
