@@ -23,7 +23,8 @@ def scene(rng):
         points, normals, radii, weights, rgba = [], [], [], [], []
     found = compare.differences('outParentMatrix', mc.getAttr(node + '.outParentMatrix'), matrix, 0)
     found += compare.differences('positionPP', mc.getAttr(node + '.positionPP'), [p + (1.0,) for p in points], 1e-6)
-    found += compare.differences('normalPP', mc.getAttr(node + '.normalPP'), normals, 2e-5)
+    # normals of slivers whose corners are single precision
+    found += compare.differences('normalPP', mc.getAttr(node + '.normalPP'), normals, 2e-4)
     found += compare.differences('radiusPP', mc.getAttr(node + '.radiusPP'), radii, 0)
     found += compare.differences('weightPP', mc.getAttr(node + '.weightPP'), weights, 0)
     found += compare.differences('rgbaPP', mc.getAttr(node + '.rgbaPP'), rgba, 1e-6)

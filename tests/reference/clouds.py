@@ -10,7 +10,8 @@ class Inputs:
     """The defaults for what a source does not say."""
 
     def __init__(self, rng, node):
-        self.radius, self.weight = rng.choice((0.4, rng.uniform(0, 1), rng.uniform(0, 1), 0.0)), rng.choice((1.0, rng.uniform(0, 1)))
+        self.radius = rng.choice((0.4, rng.uniform(0, 1), rng.uniform(0, 1), 0.0))
+        self.weight = rng.choice((1.0, rng.uniform(0, 1)))
         self.color = tuple(single(rng.random()) for _ in range(3))
         self.alpha = single(rng.random())
         mc.setAttr(node + '.pointRadius', self.radius)
