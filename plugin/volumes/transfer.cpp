@@ -120,8 +120,8 @@ public:
     Walk(const TransferVolumes& volumes, const volume::InfluenceSearch& search, const TransferSettings& settings,
          const TransferInput& in, const TransferOutput& out, int slots)
         : volumes_(volumes), search_(search), on_(settings), in_(in), out_(out), table_(slots, blockSize(slots)),
-          brought_(table_.d.size()), own_(table_.d.size()), order_(2 * static_cast<std::size_t>(slots)), stored_(in.stored()),
-          far_(in.count * sizeof(double) >= stream::kLarge), places_(volumes.volumes.size())
+          brought_(table_.d.size()), own_(table_.d.size()), order_(2 * static_cast<std::size_t>(slots)),
+          stored_(in.stored()), far_(in.count * sizeof(double) >= stream::kLarge), places_(volumes.volumes.size())
     {
         for (std::size_t v = 0; v < places_.size(); ++v) {
             places_[v].setColor(volumes.falloffs[v].color.color(0.0f));
@@ -324,11 +324,12 @@ void Walk::takeAlone(int v)
     sample(v, count);
     const volume::Volume& volume = volumes_.volumes[static_cast<std::size_t>(v)];
     const Ramp&           ramp = volumes_.falloffs[static_cast<std::size_t>(v)].color;
-    const bool            flat = ramp.entryCount() <= 1, follows = on_.position && volume.kind == volume::Kind::kCapsule;
+    const bool            flat = !on_.color || ramp.entryCount() <= 1;
+    const bool            follows = on_.position && volume.kind == volume::Kind::kCapsule;
     Place                 place = places_[static_cast<std::size_t>(v)];
     for (std::size_t k = 0; k < count; ++k) {
         const int i = candidates_.point[k];
-        if (on_.color && !flat)
+        if (!flat)
             place.setColor(ramp.color(batch_.at[k]));
         if (follows)
             place.setTarget(targetOf(volume, block_.at(i)));
