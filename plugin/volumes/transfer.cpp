@@ -13,11 +13,11 @@ using volume::Vec;
 
 namespace {
 
-/// Coordinates that stand in the mesh as they are in the world; the block has its count.
-void loadStored(const TransferInput& in, std::size_t from, volume::PointBlock& block)
+/// Coordinates that stand in the mesh as they are in the world, of points `first` up to `last` of a block with its count.
+void loadStored(const TransferInput& in, std::size_t from, volume::PointBlock& block, int first, int last)
 {
     const float* p = in.local + 3 * from;
-    for (int i = 0; i < block.count; ++i)
+    for (int i = first; i < last; ++i)
         block.x[i] = p[3 * i], block.y[i] = p[3 * i + 1], block.z[i] = p[3 * i + 2];
 }
 
@@ -120,8 +120,8 @@ public:
     Walk(const TransferVolumes& volumes, const volume::InfluenceSearch& search, const TransferSettings& settings,
          const TransferInput& in, const TransferOutput& out, int slots)
         : volumes_(volumes), search_(search), on_(settings), in_(in), out_(out), table_(slots, blockSize(slots)),
-          brought_(table_.d.size()), own_(table_.d.size()), order_(2 * static_cast<std::size_t>(slots)), stored_(in.stored()),
-          far_(in.count * sizeof(double) >= stream::kLarge), places_(volumes.volumes.size())
+          brought_(table_.d.size()), own_(table_.d.size()), order_(2 * static_cast<std::size_t>(slots)),
+          stored_(in.stored()), far_(in.count * sizeof(double) >= stream::kLarge), places_(volumes.volumes.size())
     {
         for (std::size_t v = 0; v < places_.size(); ++v) {
             places_[v].setColor(volumes.falloffs[v].color.color(0.0f));
@@ -139,7 +139,7 @@ public:
         values_.reachedCount = 0;
         if (!near_.empty()) {
             if (!loaded)
-                loadStored(in_, from, block_);
+                loadNear(from);
             if (near_.size() == 1 && !on_.normal && kindOf(near_[0]) != volume::Kind::kCloud)
                 takeAlone(near_[0]);
             else
@@ -158,6 +158,7 @@ private:
         for (int i = 0; i < block_.count; ++i)
             blend(i);
     }
+    void loadNear(std::size_t from);
     void loadValues(std::size_t from);
     void loadColors(std::size_t from, std::size_t count);
     void take(int volume);
@@ -201,6 +202,22 @@ private:
     const bool                     far_;       ///< results go past the caches
     std::vector<Place>             places_;    ///< one a volume: its first colour and its origin
 };
+
+/// Coordinates from the first to the last part that a shape is near, as it is searched; of all parts for a cloud.
+void Walk::loadNear(std::size_t from)
+{
+    constexpr int kPart = volume::PointBlock::kPart;
+    int           first = block_.count, last = 0;
+    for (int part = 0; part < block_.partCount(); ++part) {
+        const bool wanted = std::any_of(near_.begin(), near_.end(), [&](int v) {
+            return kindOf(v) == volume::Kind::kCloud ||
+                   volumes_.volumes[static_cast<std::size_t>(v)].box.meets(block_.parts[part]);
+        });
+        if (wanted)
+            first = std::min(first, part * kPart), last = std::min(block_.count, (part + 1) * kPart);
+    }
+    loadStored(in_, from, block_, first, last);
+}
 
 void Walk::loadValues(std::size_t from)
 {
@@ -324,11 +341,12 @@ void Walk::takeAlone(int v)
     sample(v, count);
     const volume::Volume& volume = volumes_.volumes[static_cast<std::size_t>(v)];
     const Ramp&           ramp = volumes_.falloffs[static_cast<std::size_t>(v)].color;
-    const bool            flat = ramp.entryCount() <= 1, follows = on_.position && volume.kind == volume::Kind::kCapsule;
+    const bool            flat = !on_.color || ramp.entryCount() <= 1;
+    const bool            follows = on_.position && volume.kind == volume::Kind::kCapsule;
     Place                 place = places_[static_cast<std::size_t>(v)];
     for (std::size_t k = 0; k < count; ++k) {
         const int i = candidates_.point[k];
-        if (on_.color && !flat)
+        if (!flat)
             place.setColor(ramp.color(batch_.at[k]));
         if (follows)
             place.setTarget(targetOf(volume, block_.at(i)));
@@ -614,7 +632,7 @@ void loadBlock(const TransferInput& in, std::size_t from, int most, volume::Poin
     const float* p = in.local ? in.local + 3 * from : nullptr;
     if (in.stored()) {
         boundBlock(in, from, most, block);
-        loadStored(in, from, block);
+        loadStored(in, from, block, 0, block.count);
         return;
     }
     const bool plain = p && in.toWorld.affine();
