@@ -53,32 +53,25 @@ bool isPeriodicSurface(MDataHandle& geometry, unsigned int vertexCount)
     return static_cast<unsigned int>(surface.numCVsInU() * surface.numCVsInV()) != vertexCount;
 }
 
-/// Box around the points that were added.
+/// Box around points, of which there is at least one. Six plain numbers, so that they stay in registers.
 class Bounds
 {
 public:
-    void add(const double* p)
+    Bounds(double x, double y, double z) : lowX_(x), lowY_(y), lowZ_(z), highX_(x), highY_(y), highZ_(z) {}
+
+    void add(double x, double y, double z)
     {
-        if (empty_) {
-            std::copy(p, p + 3, low_);
-            std::copy(p, p + 3, high_);
-            empty_ = false;
-        }
-        for (int k = 0; k < 3; ++k) {
-            low_[k] = std::min(low_[k], p[k]);
-            high_[k] = std::max(high_[k], p[k]);
-        }
+        lowX_ = std::min(lowX_, x);
+        lowY_ = std::min(lowY_, y);
+        lowZ_ = std::min(lowZ_, z);
+        highX_ = std::max(highX_, x);
+        highY_ = std::max(highY_, y);
+        highZ_ = std::max(highZ_, z);
     }
-    MBoundingBox box() const
-    {
-        if (empty_)
-            return {};
-        return {MPoint(low_[0], low_[1], low_[2]), MPoint(high_[0], high_[1], high_[2])};
-    }
+    MBoundingBox box() const { return {MPoint(lowX_, lowY_, lowZ_), MPoint(highX_, highY_, highZ_)}; }
 
 private:
-    double low_[3] = {}, high_[3] = {};
-    bool   empty_ = true;
+    double lowX_, lowY_, lowZ_, highX_, highY_, highZ_;
 };
 
 void writePoints(const MPointArray& points, PointData& data)
@@ -88,9 +81,12 @@ void writePoints(const MPointArray& points, PointData& data)
     data.xyzw = to;
     if (to)
         points.get(reinterpret_cast<double(*)[4]>(to));
-    Bounds bounds;
-    for (unsigned int i = 0; i < std::min(data.count, data.positionCount); ++i)
-        bounds.add(data.at(i));
+    const unsigned int count = std::min(data.count, data.positionCount);
+    if (count == 0)
+        return;
+    Bounds bounds(to[0], to[1], to[2]);
+    for (unsigned int i = 1; i < count; ++i, to += 4)
+        bounds.add(to[4], to[5], to[6]);
     data.box = bounds.box();
 }
 
@@ -109,13 +105,18 @@ void readPositions(MDataHandle& geometry, MSpace::Space space, PointData& data)
     }
     const float* from = mesh.getRawPoints();   // nothing to transform: straight from where they are
     double*      to = data.positions.resize(data.count);
-    Bounds       bounds;
     data.positionCount = data.count;
     data.xyzw = to;
+    if (data.count == 0)
+        return;
+    Bounds bounds(from[0], from[1], from[2]);
     for (unsigned int i = 0; i < data.count; ++i, from += 3, to += 4) {
-        const double point[4] = {from[0], from[1], from[2], 1.0};
-        std::copy(point, point + 4, to);
-        bounds.add(point);
+        const double x = from[0], y = from[1], z = from[2];
+        to[0] = x;
+        to[1] = y;
+        to[2] = z;
+        to[3] = 1.0;
+        bounds.add(x, y, z);
     }
     data.box = bounds.box();
 }
@@ -174,14 +175,16 @@ void readNormals(MDataBlock& block, const PointInput& input, MSpace::Space space
     }
     MFloatVectorArray vertices;   // the same values that a walk over the vertices reads one by one
     MFnMesh(data.mesh).getVertexNormals(false, vertices, space);
-    const MFloatVectorArray& n = vertices;
-    double*                  to = data.normals.resize(data.count);
+    double* to = data.normals.resize(data.count);
     data.normal = to;
-    for (unsigned int i = 0; i < data.count; ++i, to += 3) {
-        const MFloatVector& at = n[i * data.step];
-        to[0] = at.x;
-        to[1] = at.y;
-        to[2] = at.z;
+    vertices.setLength(data.count * data.step);   // as many as there are, so that no index is looked at below
+    if (data.count == 0)
+        return;
+    const MFloatVector* at = &vertices[0];
+    for (unsigned int i = 0; i < data.count; ++i, to += 3, at += data.step) {
+        to[0] = at->x;
+        to[1] = at->y;
+        to[2] = at->z;
     }
 }
 
