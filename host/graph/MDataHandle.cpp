@@ -371,10 +371,14 @@ MStatus MDataHandle::set(const MObject& value)
         return MS::kInvalidParameter;
     if (cell_->store() != Store::kData) {
         if (auto* m = dynamic_cast<MatrixData*>(data)) {
+            if (cell_->store() != Store::kMatrix && cell_->store() != Store::kFloatMatrix)
+                return MS::kFailure;
             set(*reinterpret_cast<const MMatrix*>(m->value));
             return MS::kSuccess;
         }
         if (auto* n = dynamic_cast<NumericData*>(data)) {
+            if (n->count() != storeDimension(cell_->store()))
+                return MS::kFailure;
             for (int i = 0; i < n->count(); ++i)
                 cell_->setNumber(n->value[i], i);
             wrote(*cell_);
