@@ -340,7 +340,7 @@ void MDataHandle::set(const MMatrix& value)
         std::copy(&value.matrix[0][0], &value.matrix[0][0] + 16, cell_->own.matrix);
     else if (cell_->store() == Store::kFloatMatrix)
         std::copy(&value.matrix[0][0], &value.matrix[0][0] + 16, cell_->own.floatMatrix);
-    else if (cell_->store() == Store::kData) {
+    else if (cell_->store() == Store::kData && cell_->attr->acceptsData(MFnData::kMatrix)) {
         auto data = make<MatrixData>();
         std::copy(&value.matrix[0][0], &value.matrix[0][0] + 16, &data->value[0][0]);
         cell_->setData(data);

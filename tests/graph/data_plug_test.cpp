@@ -1,6 +1,7 @@
 // Plugs that hold data: what they accept, what they refuse and leave alone, and numbers in generic ones.
 #include "../support/host_fixture.h"
 
+#include <maya/MDataHandle.h>
 #include <maya/MDoubleArray.h>
 #include <maya/MFnDependencyNode.h>
 #include <maya/MFnDoubleArrayData.h>
@@ -65,6 +66,9 @@ TEST_F(DataPlugs, TypedOnesKeepWhatTheyHave)
     EXPECT_FALSE(array.setValue(3.0)) << "one number is no array";
     MFnMatrixData matrix;
     EXPECT_FALSE(array.setValue(matrix.create(MMatrix())));
+    MDataHandle handle = array.asMDataHandle();
+    handle.set(MMatrix());
+    array.destructHandle(handle);
     ASSERT_FALSE(array.asMObject().isNull());
     EXPECT_EQ(MFnDoubleArrayData(array.asMObject()).length(), 4u);
     EXPECT_EQ(nums("getAttr t.numbers").size(), 4u);
