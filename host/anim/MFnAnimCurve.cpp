@@ -158,6 +158,9 @@ Node* makeCurve(CurveKind kind, const MPlug* plug, MDGModifier* modifier, MStatu
         report(s, cell ? MS::kFailure : MS::kInvalidParameter);
         return nullptr;
     }
+    for (const Cell* c = cell; c; c = c->parent)   // refused before there is a curve that drives nothing
+        if (c->is(Cell::kLocked))
+            return reported(s, MS::kFailure, static_cast<Node*>(nullptr));
     Node* node = nullptr;
     MStatus status = api::guarded([&] {
         if (!modifier) {

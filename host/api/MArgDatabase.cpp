@@ -134,6 +134,8 @@ std::string ParsedArgs::read(const MArgList& list)
             return why;
         }
     }
+    if (query && edit)
+        return "The flags -edit and -query cannot be used together.";
     if (const std::string why = readRest(rest); !why.empty())
         return why;
     if (objects.empty() && syntax.selectionAsDefault() && syntax.objectFormat() != MSyntax::kNone)
@@ -168,7 +170,8 @@ MArgParser::~MArgParser() = default;
 
 bool MArgParser::isFlagSet(const char* flag, MStatus* s) const
 {
-    return reported(s, flag ? MS::kSuccess : MS::kInvalidParameter, parsed_->use(flag) != nullptr);
+    const bool known = flag && findFlag(parsed_->syntax, plain(flag));
+    return reported(s, known ? MS::kSuccess : MS::kInvalidParameter, parsed_->use(flag) != nullptr);
 }
 
 bool     MArgParser::isEdit(MStatus* s) const { return reported(s, MS::kSuccess, parsed_->edit); }

@@ -229,6 +229,24 @@ MFnDependencyNode::MAttrClass MFnDependencyNode::attributeClass(const MObject& a
                     !a ? kInvalidAttr : a->is(Attribute::kDynamic) ? kLocalDynamicAttr : kNormalAttr);
 }
 
+namespace {
+
+/// What a compound affects or is affected by holds for its children too.
+bool reaches(const NodeType& type, const Attribute* from, const Attribute* to)
+{
+    for (const Attribute* f = from; f; f = f->parent) {
+        if (f->slot < 0 || size_t(f->slot) >= type.affects.size())
+            continue;
+        const std::vector<int>& slots = type.affects[size_t(f->slot)];
+        for (const Attribute* t = to; t; t = t->parent)
+            if (std::count(slots.begin(), slots.end(), t->slot))
+                return true;
+    }
+    return false;
+}
+
+}  // namespace
+
 MStatus MFnDependencyNode::getAffectedAttributes(const MObject& attr, MObjectArray& affected) const
 {
     affected.clear();
@@ -236,9 +254,9 @@ MStatus MFnDependencyNode::getAffectedAttributes(const MObject& attr, MObjectArr
     if (!a)
         return MS::kInvalidParameter;
     const NodeType& type = *node()->type;
-    if (size_t(a->slot) < type.affects.size())
-        for (int slot : type.affects[size_t(a->slot)])
-            affected.append(wrap(type.table[size_t(slot)]));
+    for (size_t i = 0; i < type.table.size(); ++i)
+        if (reaches(type, a, type.table[i].get()))
+            affected.append(wrap(type.table[i]));
     return MS::kSuccess;
 }
 
@@ -249,8 +267,8 @@ MStatus MFnDependencyNode::getAffectedByAttributes(const MObject& attr, MObjectA
     if (!a)
         return MS::kInvalidParameter;
     const NodeType& type = *node()->type;
-    for (size_t i = 0; i < type.affects.size(); ++i)
-        if (std::count(type.affects[i].begin(), type.affects[i].end(), a->slot))
+    for (size_t i = 0; i < type.table.size(); ++i)
+        if (reaches(type, type.table[i].get(), a))
             affectedBy.append(wrap(type.table[i]));
     return MS::kSuccess;
 }

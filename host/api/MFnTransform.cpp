@@ -133,6 +133,8 @@ MStatus MFnTransform::edit(F change)
 
 namespace {
 
+bool isSpace(MSpace::Space space) { return space > MSpace::kInvalid && space < MSpace::kLast; }
+
 /// The matrix of what stands above; success only if there is one path, or the function set was given one.
 MStatus above(const MDagPath& path, MMatrix& m)
 {
@@ -156,6 +158,8 @@ MVector MFnTransform::getTranslation(MSpace::Space space, MStatus* s) const
 
 MStatus MFnTransform::setTranslation(const MVector& vec, MSpace::Space space)
 {
+    if (!isSpace(space))
+        return MS::kInvalidParameter;
     MMatrix parent;
     if (space == MSpace::kWorld)
         if (const MStatus status = above(dagPath(), parent); !status)
@@ -165,6 +169,8 @@ MStatus MFnTransform::setTranslation(const MVector& vec, MSpace::Space space)
 
 MStatus MFnTransform::translateBy(const MVector& vec, MSpace::Space space)
 {
+    if (!isSpace(space))
+        return MS::kInvalidParameter;
     MMatrix parent;
     if (space == MSpace::kWorld)
         if (const MStatus status = above(dagPath(), parent); !status)
@@ -173,7 +179,7 @@ MStatus MFnTransform::translateBy(const MVector& vec, MSpace::Space space)
         MVector by = vec;
         if (space == MSpace::kWorld)
             by = times(vec, parent.inverse(), false);
-        else if (space == MSpace::kObject)
+        else if (space == MSpace::kObject || space == MSpace::kPreTransform)
             by = times(vec, m.asMatrix(), false);
         m.setTranslation(m.getTranslation(MSpace::kTransform) + by, MSpace::kTransform);
     });
@@ -217,6 +223,8 @@ MStatus MFnTransform::setRotation(const double rotation[3], MTransformationMatri
 
 MStatus MFnTransform::setRotation(const MQuaternion& quaternion, MSpace::Space space)
 {
+    if (!isSpace(space))
+        return MS::kInvalidParameter;
     MQuaternion local = quaternion;
     if (space == MSpace::kWorld) {
         MMatrix parent;
@@ -226,6 +234,8 @@ MStatus MFnTransform::setRotation(const MQuaternion& quaternion, MSpace::Space s
     }
     return edit([&](MTransformationMatrix& m) {   // the order of the angles stays
         const auto order = m.rotationOrder();
+        if (space == MSpace::kWorld)   // there the orientation's turn is part of what one sees
+            local = m.rotationOrientation().inverse() * local;
         m.rotateTo(local);
         m.reorderRotation(order);
     });
@@ -238,9 +248,19 @@ MStatus MFnTransform::setRotation(const MEulerRotation& rotation)
 
 MStatus MFnTransform::rotateBy(const MQuaternion& quaternion, MSpace::Space space)
 {
+    if (!isSpace(space))
+        return MS::kInvalidParameter;
+    MQuaternion by = quaternion;
+    if (space == MSpace::kWorld) {   // what turns about the world's axes, seen from the parent
+        MMatrix parent;
+        if (const MStatus status = above(dagPath(), parent); !status)
+            return status;
+        const MQuaternion p = rotationOf(parent);
+        by = p * quaternion * p.inverse();
+    }
     return edit([&](MTransformationMatrix& m) {
         const auto order = m.rotationOrder();
-        m.rotateBy(quaternion, space);
+        m.rotateBy(by, space);
         m.reorderRotation(order);
     });
 }

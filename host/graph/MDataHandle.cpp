@@ -340,7 +340,7 @@ void MDataHandle::set(const MMatrix& value)
         std::copy(&value.matrix[0][0], &value.matrix[0][0] + 16, cell_->own.matrix);
     else if (cell_->store() == Store::kFloatMatrix)
         std::copy(&value.matrix[0][0], &value.matrix[0][0] + 16, cell_->own.floatMatrix);
-    else if (cell_->store() == Store::kData) {
+    else if (cell_->store() == Store::kData && cell_->attr->acceptsData(MFnData::kMatrix)) {
         auto data = make<MatrixData>();
         std::copy(&value.matrix[0][0], &value.matrix[0][0] + 16, &data->value[0][0]);
         cell_->setData(data);
@@ -371,10 +371,14 @@ MStatus MDataHandle::set(const MObject& value)
         return MS::kInvalidParameter;
     if (cell_->store() != Store::kData) {
         if (auto* m = dynamic_cast<MatrixData*>(data)) {
+            if (cell_->store() != Store::kMatrix && cell_->store() != Store::kFloatMatrix)
+                return MS::kFailure;
             set(*reinterpret_cast<const MMatrix*>(m->value));
             return MS::kSuccess;
         }
         if (auto* n = dynamic_cast<NumericData*>(data)) {
+            if (n->count() != storeDimension(cell_->store()))
+                return MS::kFailure;
             for (int i = 0; i < n->count(); ++i)
                 cell_->setNumber(n->value[i], i);
             wrote(*cell_);

@@ -154,12 +154,35 @@ MString MPlug::name(MStatus* s) const
     return MString((node_->name + "." + attr_->longName).c_str());
 }
 
-MString MPlug::partialName(bool withNode, bool, bool, bool useAlias, bool, bool useLongNames, MStatus* s) const
+namespace {
+
+/// The path with every compound above, also those that need not be named.
+std::string fullPath(const Cell& cell, bool longNames)
+{
+    std::string path;
+    for (const Cell* c = &cell; c;) {
+        std::string step = longNames ? c->attr->longName : c->attr->shortName;
+        if (c->isElement()) {
+            step += "[" + std::to_string(c->index) + "]";
+            c = c->parent;
+        }
+        path = path.empty() ? step : step + "." + path;
+        c = c ? c->parent : nullptr;
+    }
+    return path;
+}
+
+}  // namespace
+
+MString MPlug::partialName(bool withNode, bool, bool, bool useAlias, bool useFullPath, bool useLongNames, MStatus* s) const
 {
     if (!tell(s, node_))
         return MString();
     Cell* c = PlugAccess::cell(*this);
-    std::string path = c ? plugPath(*c, !useLongNames) : useLongNames ? attr_->longName : attr_->shortName;
+    std::string path = c && useFullPath ? fullPath(*c, useLongNames)
+                       : c              ? plugPath(*c, !useLongNames)
+                       : useLongNames   ? attr_->longName
+                                        : attr_->shortName;
     if (useAlias && c)
         for (auto& [alias, target] : node_->aliases)
             if (target == plugPath(*c) || target == plugPath(*c, true))
@@ -552,7 +575,10 @@ MStatus write(const MPlug& plug, F&& f)
 
 MStatus writeNumber(const MPlug& plug, double value)
 {
-    return write(plug, [&](Cell& c) { c.setNumber(value); return storeDimension(c.store()) == 1; });
+    const Cell* c = PlugAccess::cell(plug);
+    if (c && storeDimension(c->store()) != 1 && !(c->store() == Store::kData && c->attr->kind == AttrKind::kGeneric))
+        return MS::kInvalidParameter;   // a tuple or data does not take one number
+    return write(plug, [&](Cell& cell) { cell.setNumber(value); return true; });
 }
 
 }  // namespace

@@ -384,6 +384,29 @@ std::string freeName(const std::string& wanted, Node* besides)
     return base + std::to_string(number);
 }
 
+namespace {
+
+/// A modifier may be taken back while later connections still stand; they must not outlive the node.
+void unlinkAll(Node& node)
+{
+    std::vector<std::pair<Cell*, Cell*>> links;
+    for (Cell* top : node.cells)
+        if (top && !top->parent)
+            walkCells(*top, [&](Cell& c) {
+                if (c.source)
+                    links.emplace_back(c.source, &c);
+                if (c.targets)
+                    for (Cell* t : *c.targets)
+                        if (t->node != &node)
+                            links.emplace_back(&c, t);
+            });
+    for (auto [s, t] : links)
+        if (t->source == s)
+            unlink(*s, *t);
+}
+
+}  // namespace
+
 Node* createNode(NodeType* type, const std::string& name)
 {
     if (!type || type->abstract)
@@ -402,7 +425,7 @@ Node* createNode(NodeType* type, const std::string& name)
         noteOverrides(*node);
     }
     scene().add(*node);
-    undo::push([node] { scene().remove(*node); }, [node] { scene().add(*node); });
+    undo::push([node] { unlinkAll(*node); scene().remove(*node); }, [node] { scene().add(*node); });
     if (node->user)
         node->user->postConstructor();
     return node.get();

@@ -1,5 +1,6 @@
 #include <maya/MEulerRotation.h>
 
+#include <algorithm>
 #include <cmath>
 #include <ostream>
 
@@ -128,8 +129,14 @@ MMatrix MEulerRotation::asMatrix() const
 
 MEulerRotation& MEulerRotation::incrementalRotateBy(const MVector& axis, double angle)
 {
-    const MEulerRotation turned = *this * MQuaternion(angle, axis);
-    return *this = turned.closestSolution(*this);
+    // in steps small enough that the nearest solution is the one that goes on, so that whole turns are counted
+    const int         steps = std::isfinite(angle) ? int(std::min(std::ceil(std::abs(angle) / 0.1), 1e5)) : 0;
+    const MQuaternion step(steps ? angle / steps : 0, axis);
+    for (int i = 0; i < steps; ++i) {
+        const MEulerRotation turned = *this * step;
+        *this = turned.closestSolution(*this);
+    }
+    return *this;
 }
 
 MEulerRotation MEulerRotation::inverse() const { return decompose(asMatrix().transpose(), order); }
