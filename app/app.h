@@ -3,6 +3,8 @@
 #include <string>
 #include <vector>
 
+#include "command/value.h"
+
 namespace app {
 
 struct RunOptions
@@ -22,6 +24,8 @@ int shell(bool python, bool interactive);
 void start(bool interactive);
 /// Runs what scripts put off until the host is idle.
 void idle();
+/// A value as results are shown: on one line, elements with a space between.
+std::string resultText(const mirk::command::Value& value);
 /// Ctrl-C stops the running script; a second one the process.
 void catchInterrupts();
 

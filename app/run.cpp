@@ -134,6 +134,16 @@ void writeResults(const RunOptions& o, bool stepped)
 
 }  // namespace
 
+std::string resultText(const Value& value)
+{
+    std::string text = mirk::mel::printed(value);
+    if (!value.isArray())
+        return text;
+    for (char& c : text)
+        c = c == '\n' ? ' ' : c;
+    return text.erase(text.find_last_not_of(' ') + 1);
+}
+
 int run(const RunOptions& o)
 {
     const Frames frames = parseFrames(o.frames);
@@ -147,7 +157,7 @@ int run(const RunOptions& o)
     }
     if (!o.text.empty())
         if (const Value result = mirk::mel::execute(o.text, "-e"); !result.isNone())
-            mirk::message::result(mirk::mel::printed(result));
+            mirk::message::result(resultText(result));
     idle();
     if (frames.first <= frames.last)
         stepFrames(o, frames);

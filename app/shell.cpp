@@ -153,7 +153,7 @@ void runText(const std::string& text, bool python)
                 mirk::message::print(result + "\n");
         }
         else if (const auto result = mirk::mel::execute(text); !result.isNone())
-            mirk::message::result(mirk::mel::printed(result));
+            mirk::message::result(resultText(result));
     }
     catch (const std::exception& e)
     {

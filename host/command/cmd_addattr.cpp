@@ -214,6 +214,8 @@ void addChild(Attribute& parent, const Ref<Attribute>& child)
 
 void addTo(Node& node, const Call& call)
 {
+    if (node.locked)
+        fail("Cannot add an attribute to the locked node '" + nodeName(node) + "'");
     Ref<Attribute>    a = makeAttribute(call);
     const size_t      wants = wantedChildren(*a, call);
     const std::string parent = call.str("parent");
@@ -280,6 +282,10 @@ Value queryAttribute(Call& call, const Attribute& a)
         return yes(a.limits & Attribute::kMin);
     if (call.has("hasMaxValue"))
         return yes(a.limits & Attribute::kMax);
+    if (call.has("hasSoftMinValue"))
+        return yes(a.limits & Attribute::kSoftMin);
+    if (call.has("hasSoftMaxValue"))
+        return yes(a.limits & Attribute::kSoftMax);
     if (call.has("keyable"))
         return yes(a.is(Attribute::kKeyable));
     if (call.has("hidden"))

@@ -220,6 +220,8 @@ constexpr Flag kDeleteAttr[] = {{"at", "attribute", "s"}, {"n", "name", "s"}};
 
 void deleteOne(Node& node, const std::string& name)
 {
+    if (node.locked)
+        fail("Cannot delete an attribute of the locked node '" + nodeName(node) + "'");
     Attribute* a = node.findAttribute(name);
     if (!a)
         fail("No attribute '" + name + "' on '" + nodeName(node) + "'");

@@ -248,7 +248,7 @@ constexpr Flag kListHistory[] = {
 
 void history(Node& node, bool future, bool pruneDag, int levels, std::vector<Node*>& seen)
 {
-    if (std::find(seen.begin(), seen.end(), &node) != seen.end() || (pruneDag && node.dag && !seen.empty()))
+    if (std::find(seen.begin(), seen.end(), &node) != seen.end() || (pruneDag && node.dag && !seen.empty()))   // the walk may begin at a shape
         return;
     seen.push_back(&node);
     if (levels == 1)
@@ -275,7 +275,8 @@ Value listHistory(Call& call)
             history(*from, call.boolean("future"), call.boolean("pruneDagObjects"), call.integer("levels"), seen);
     Strings out;
     for (Node* n : seen)
-        out.push_back(nodeName(*n));
+        if (!n->dag || !call.boolean("pruneDagObjects"))
+            out.push_back(nodeName(*n));
     return out.empty() ? Value() : Value(out);
 }
 

@@ -33,6 +33,8 @@ void place(const Item& item, Node& to, bool relative)
         message::warning("Object '" + nodeName(child) + "' is already a child of the parent, '" + (&to == &dag::world() ? "the world" : nodeName(to)) + "'");
         return;
     }
+    if (child.locked)
+        fail("Cannot parent the locked node '" + nodeName(child) + "'");
     const bool    keep = !relative && isTransform(child);
     const MMatrix world = keep ? worldMatrix(item.path) : MMatrix();
     dag::reparent(child, from ? from : &dag::world(), to);
@@ -103,6 +105,8 @@ Value group(Call& call)
     Node* node = dag::createNode(findNodeType("transform"), call.str("name", "group#"), above);
     for (const Item& item : items)
         place(item, *node, call.has("relative"));
+    if (!items.empty())
+        execute("xform", std::vector<Value>{"-centerPivots", dag::fullName(dag::firstPath(*node))});
     selection::set({itemOf(*node)});
     return Value(nodeName(*node));
 }

@@ -131,9 +131,20 @@ void moveShape(Node& shape, const MMatrix& by)
 /// Resets a transform and hands what it lost on: to the transforms below, in the end to points.
 void freeze(Node& transform, const MMatrix& carried, const Parts& parts)
 {
-    setLocalMatrix(transform, localMatrix(transform) * carried);
+    const MMatrix old = localMatrix(transform) * carried;
+    const MPoint  rotatePivot = MPoint(channels(transform, "rotatePivot")) * old, scalePivot = MPoint(channels(transform, "scalePivot")) * old;
+    setLocalMatrix(transform, old);
     const MMatrix before = localMatrix(transform);
     reset(transform, parts);
+    if (!transform.type->find("jointOrient")) {   // pivots stay where they are in the world
+        for (const char* name : {"rotatePivotTranslate", "scalePivotTranslate"})
+            setChannels(transform, name, MVector());
+        const MVector left = channels(transform, "translate");
+        setChannels(transform, "rotatePivot", MVector(rotatePivot) - left);
+        setChannels(transform, "scalePivot", MVector(rotatePivot) - left);
+        if (!scalePivot.isEquivalent(rotatePivot))
+            setChannels(transform, "scalePivot", MVector(scalePivot * localMatrix(transform).inverse()));
+    }
     const MMatrix lost = before * localMatrix(transform).inverse();
     for (Node* child : std::vector<Node*>(transform.dag->children)) {
         if (dag::isInstanced(*child))

@@ -4,6 +4,7 @@
 #include "anim/curve_node.h"
 #include "command/attr_value.h"
 #include "command/cmd_util.h"
+#include "io/scene_file.h"
 #include "command/lend.h"
 #include "command/message.h"
 #include "command/shape_edit.h"
@@ -198,7 +199,9 @@ void checkWritable(const Cell& cell)
 {
     bool childSource = false;
     if (cell.attr->isCompound() && !cell.isMulti())
-        walkCells(const_cast<Cell&>(cell), [&](Cell& c) { childSource |= c.source && drivenAbove(c); });
+        walkCells(const_cast<Cell&>(cell), [&](Cell& c) {
+            childSource |= (c.source && drivenAbove(c)) || (c.is(Cell::kLocked) && !io::readingFile());   // files lock first
+        });
     if (!cell.attr->is(Attribute::kWritable))
         fail("The attribute '" + plugText(cell) + "' is not writable and cannot be modified.");
     if (lockedAbove(cell) || drivenAbove(const_cast<Cell&>(cell)) || childSource)

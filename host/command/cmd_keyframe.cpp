@@ -70,11 +70,11 @@ Value queryKeys(Call& call, const std::vector<Node*>& curves)
     if (call.has("keyframeCount"))
         return Value(int(indices.size()));
     if (call.has("name"))
-        return Value(names);
+        return names.empty() ? Value() : Value(names);
     if (call.has("indexValue"))
-        return Value(indices);
+        return indices.empty() ? Value() : Value(indices);
     if (times || values || call.has("breakdown"))
-        return Value(numbers);
+        return numbers.empty() ? Value() : Value(numbers);
     fail("keyframe: a flag that says what to ask has to be given");
 }
 

@@ -1,5 +1,6 @@
 // The selection.
 #include "command/cmd_util.h"
+#include "nodes/sets.h"
 
 namespace mirk::command {
 
@@ -31,6 +32,12 @@ std::vector<Item> given(const Call& call)
     }
     for (Item& item : callItems(call))
     {
+        if (Node* node = nodeOf(item); node && !item.plug && !call.has("noExpand") && sets::isSet(*node))
+        {
+            for (const Item& member : sets::flattened(*node))
+                addOnce(items, member);
+            continue;
+        }
         addOnce(items, item);
         if (call.has("hierarchy") && !item.path.nodes.empty())
             dag::descend(item.path, [&](const Path& p) { return addOnce(items, itemOf(p)), true; });

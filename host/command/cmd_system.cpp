@@ -149,6 +149,29 @@ constexpr Flag kOptionVar[] = {
     {"arraySize", "arraySize", "s", kBoth, false, true}, {"vc", "version", "i"}, {"rfa", "removeFromArray", "si", kCreate, true},
 };
 
+/// Out of range changes nothing.
+void removeElement(std::map<std::string, Value>& vars, const std::string& name, int index)
+{
+    const auto it = vars.find(name);
+    if (it == vars.end() || index < 0)
+        return;
+    const auto without = [&](auto list) {
+        if (size_t(index) < list.size())
+            list.erase(list.begin() + index);
+        return Value(list);
+    };
+    const Value now = it->second;
+    if (now.kind() == Value::kInts)
+        it->second = without(now.asInts());
+    else if (now.kind() == Value::kStrings)
+        it->second = without(now.asStrings());
+    else if (now.kind() == Value::kFloats)
+    {
+        const Floats f = now.asFloats();
+        it->second = without(std::vector<double>(std::as_const(*f).begin(), std::as_const(*f).end()));
+    }
+}
+
 void append(Value& to, const Value& v)
 {
     if (v.kind() == Value::kString)
@@ -204,7 +227,7 @@ Value optionVar(Call& call)
         else if (flag == "clearArray")
             vars[name] = Value(Ints());
         else if (flag == "removeFromArray")
-            continue;
+            removeElement(vars, name, use.args[1].asInt());
         else if (flag.find("Append") != std::string::npos)
             append(vars[name], use.args[1]);
         else if (use.args.size() == 2)

@@ -13,6 +13,7 @@
 #include "command/cmd_util.h"
 #include "command/shape_edit.h"
 #include "command/transform_edit.h"
+#include "command/units_text.h"
 #include "command/value_text.h"
 #include "graph/evaluate.h"
 #include "nodes/shape_box.h"
@@ -347,6 +348,8 @@ void centerPivots(const Item& item)
     const Value box = boundingBox(item, true);
     const Floats f = box.asFloats();
     const auto&  b = std::as_const(*f);
+    if (std::all_of(b.begin(), b.end(), [](double x) { return x == 0; }))
+        return;   // nothing to be seen
     const MPoint middle(length(Value((b[0] + b[3]) / 2)), length(Value((b[1] + b[4]) / 2)), length(Value((b[2] + b[5]) / 2)));
     setPivot(item, "rotatePivot", "rotatePivotTranslate", middle, true);
     setPivot(item, "scalePivot", "scalePivotTranslate", middle, true);
@@ -441,20 +444,9 @@ struct Given
 double numberWithUnit(const Value& v)
 {
     Arguments one({v});
-    bool      plain = v.kind() != Value::kString;
-    if (!plain)
-    {
-        const std::string text = v.get<std::string>();
-        const size_t      unitAt = std::min(text.find_first_not_of("0123456789.+-eE"), text.size());
-        const std::string unit = text.substr(unitAt);
-        const double      number = leadingNumber(text, &plain);
-        const struct { const char* name; double radians, centimetres; } units[] = {
-            {"deg", M_PI / 180, 0}, {"rad", 1, 0}, {"mm", 0, 0.1}, {"cm", 0, 1}, {"m", 0, 100}, {"km", 0, 100000}, {"in", 0, 2.54}, {"ft", 0, 30.48}, {"yd", 0, 91.44}};
-        for (const auto& u : units)
-            if (unitAt > 0 && unit == u.name)
-                return u.radians != 0 ? MAngle(number * u.radians, MAngle::kRadians).as(MAngle::uiUnit())
-                                      : MDistance(number * u.centimetres, MDistance::kCentimeters).as(MDistance::uiUnit());
-    }
+    double    number = 0;
+    if (v.kind() == Value::kString && readWithUnit(v.get<std::string>(), number))
+        return number;
     return one.number();
 }
 
@@ -488,6 +480,10 @@ Given given(const Call& call, const char* axes[3], double rest)
         else
             for (double d : numbersIn(call.args[i]))
                 numbers.push_back(d);
+    // what stands between numbers and objects is meant as a number
+    if (!numbers.empty() && numbers.size() < 3 && i < call.args.size() && call.args[i].kind() == Value::kString
+        && !namesAxis(call, axes, 0) && !namesAxis(call, axes, 1) && !namesAxis(call, axes, 2) && numbers.size() != 1)
+        fail(std::string(call.command->name) + ": three numbers have to be given, and '" + call.args[i].asString() + "' is none");
     const bool any = namesAxis(call, axes, 0) || namesAxis(call, axes, 1) || namesAxis(call, axes, 2);
     g.value = MVector(rest, rest, rest);
     if (any)
@@ -689,7 +685,7 @@ Value transformLimits(Call& call)
                 if (call.has("remove") && f.longName[0] == 'e' && cell.number() != 0)
                     edit::setNumber(cell, 0);
                 if (const Call::Use* use = call.use(f.longName))
-                    edit::setNumber(cell, fromUi(*cell.attr, use->args[size_t(k)].asFloat()));
+                    edit::setNumber(cell, fromUi(*cell.attr, numberWithUnit(use->args[size_t(k)])));
             }
     }
     return {};

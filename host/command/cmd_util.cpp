@@ -106,6 +106,9 @@ std::vector<Item> someItems(const std::string& text)
     std::vector<Item> items = resolveItems(text);
     if (items.empty())
         fail("No object matches name: " + text);
+    if (items.size() > 1 && text.find_first_of("*?[") == std::string::npos
+        && std::any_of(items.begin(), items.end(), [&](const Item& i) { return nodeOf(i) != nodeOf(items[0]); }))
+        fail("More than one object matches name: " + text);
     return items;
 }
 

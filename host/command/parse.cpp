@@ -2,6 +2,7 @@
 #include <cstring>
 
 #include "command/registry.h"
+#include "command/units_text.h"
 #include "command/value_text.h"
 
 namespace mirk::command {
@@ -81,9 +82,16 @@ bool convert(char letter, Value& v)
         if (v.isArray() || v.kind() == Value::kMatrix) return false;
         v = Value(v.asString());
         return true;
-    case 't':
     case 'l':
-    case 'a':   // text with a unit, or a range, is the handler's to read
+    case 'a':
+        if (double inUnits = 0; !number && v.kind() == Value::kString)
+        {
+            if (!readWithUnit(v.get<std::string>(), inUnits)) return false;
+            v = Value(inUnits);
+            return true;
+        }
+        [[fallthrough]];
+    case 't':   // text with a unit, or a range, is the handler's to read
         if (v.isArray() || v.kind() == Value::kMatrix) return false;
         if (number) v = Value(v.asFloat());
         return true;
@@ -91,9 +99,10 @@ bool convert(char letter, Value& v)
     }
 }
 
-[[noreturn]] void badArgument(const Flag& flag, char letter, const std::string& given)
+[[noreturn]] void badArgument(const Flag& flag, char letter, const std::string& given, const Value& value = {})
 {
-    throw Error("Flag '-" + given + "' must be passed " + kindName(letter) + " argument.");
+    throw Error("Flag '-" + given + "' must be passed " + kindName(letter) + " argument"
+                + (value.kind() == Value::kString && std::strchr("al", letter) ? ", and '" + value.asString() + "' is none." : "."));
 }
 
 void appendNumbers(const Value& v, std::vector<Value>& out)
@@ -217,7 +226,7 @@ private:
                 {
                     if (optional)
                         break;
-                    badArgument(f, f.args[0], name);
+                    badArgument(f, f.args[0], name, one);
                 }
                 args.push_back(std::move(one));
             }
@@ -240,7 +249,7 @@ private:
         for (Value& e : flat)
         {
             if (!convert(f.args[args.size()], e))
-                badArgument(f, f.args[args.size()], name);
+                badArgument(f, f.args[args.size()], name, e);
             args.push_back(std::move(e));
         }
         if (flat.empty())

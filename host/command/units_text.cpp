@@ -1,4 +1,5 @@
 #include "command/units_text.h"
+#include "command/value_text.h"
 
 #include <cmath>
 
@@ -48,6 +49,24 @@ std::string timeUnitName()
     case MTime::k24FPS:        return "film";
     default:                   return numberText(MTime(1, MTime::kSeconds).as(MTime::uiUnit())) + "fps";
     }
+}
+
+bool readWithUnit(const std::string& text, double& number)
+{
+    constexpr double kDegree = 3.14159265358979323846 / 180;
+    const struct { const char* name; double radians, centimetres; } units[] = {
+        {"deg", kDegree, 0}, {"rad", 1, 0}, {"mm", 0, 0.1}, {"cm", 0, 1}, {"m", 0, 100}, {"km", 0, 100000}, {"in", 0, 2.54}, {"ft", 0, 30.48}, {"yd", 0, 91.44}};
+    const size_t unitAt = std::min(text.find_first_not_of("0123456789.+-eE"), text.size());
+    bool         plain = false;
+    const double value = leadingNumber(text.substr(0, unitAt), &plain);
+    for (const auto& u : units)
+        if (plain && unitAt > 0 && text.compare(unitAt, std::string::npos, u.name) == 0)
+        {
+            number = u.radians != 0 ? MAngle(value * u.radians, MAngle::kRadians).as(MAngle::uiUnit())
+                                    : MDistance(value * u.centimetres, MDistance::kCentimeters).as(MDistance::uiUnit());
+            return true;
+        }
+    return false;
 }
 
 double exactUi(const Attribute& attr, double value)

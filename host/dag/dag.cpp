@@ -100,12 +100,15 @@ std::string freeNameBelow(const std::string& wanted, const std::vector<Node*>& p
     if (!numbered && freeEverywhere(wanted))
         return wanted;
     std::string base = numbered ? wanted.substr(0, wanted.size() - 1) : wanted;
+    int         first = 1;
     if (!numbered) {
         const size_t digits = base.find_last_not_of("0123456789") + 1;
+        if (digits < base.size() && base.size() - digits < 9)
+            first = std::stoi(base.substr(digits)) + 1;
         if (digits > 0)
             base.resize(digits);
     }
-    for (int i = 1;; ++i) {
+    for (int i = first;; ++i) {
         const std::string name = base + std::to_string(i);
         if (numbered ? scene().named(name).empty() : freeEverywhere(name))
             return name;

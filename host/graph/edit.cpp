@@ -795,9 +795,9 @@ void removeElement(Cell& element)
 
 namespace {
 
-void attach(Node& node, const Ref<Attribute>& top)
+void attach(Node& node, const Ref<Attribute>& top, size_t at = size_t(-1))
 {
-    node.dynamics.push_back(top);
+    node.dynamics.insert(node.dynamics.begin() + std::ptrdiff_t(std::min(at, node.dynamics.size())), top);
     scene().modified = true;
 }
 
@@ -847,9 +847,17 @@ void deleteDynamic(Node& node, Attribute& top)
             if (t->source == s)
                 breakLink(*s, *t);
     }
+    const std::vector<std::pair<std::string, std::string>> aliases = node.aliases;
+    for (const auto& [alias, path] : aliases)
+        walkAttributes(*hold, [&, path = path](Attribute& a) {
+            const size_t end = path.find_first_of(".[");
+            if (path.substr(0, end) == a.longName || path.substr(0, end) == a.shortName)
+                setAlias(node, path, "");
+        });
+    const size_t at = size_t(it - node.dynamics.begin());
     detachDynamic(node, hold);
     Ref<Node> keep(&node);
-    undo::push([=] { attach(*keep, hold); }, [=] { detachDynamic(*keep, hold); });
+    undo::push([=] { attach(*keep, hold, at); }, [=] { detachDynamic(*keep, hold); });
 }
 
 void setFlag(Cell& cell, Cell::Flag flag, bool on)

@@ -373,7 +373,10 @@ std::string meshStatements(const MeshBody& mesh)
     appendChunks(out, "ed", "", size_t(edges.count()), 12, [&](std::string& o, size_t i) {
         o += std::to_string(edges.edges[i].a) + " " + std::to_string(edges.edges[i].b) + (mesh.edgeSmooth(int(i)) ? " 1" : " 0");
     });
-    if (mesh.locked())
+    bool anyLocked = false;
+    for (int i = 0; i < t.cornerCount() && mesh.locked(); ++i)
+        anyLocked |= mesh.normalLocked(i);
+    if (anyLocked)
         appendChunks(out, "n", " -type \"float3\"", size_t(t.cornerCount()), 4, [&](std::string& o, size_t i) {
             const F3 n = mesh.normalLocked(int(i)) ? mesh.cornerNormals().at(int(i)) : F3{{kUnlocked, kUnlocked, kUnlocked}};
             o += floatText(n.v[0]) + " " + floatText(n.v[1]) + " " + floatText(n.v[2]);

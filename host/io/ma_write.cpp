@@ -245,11 +245,17 @@ private:
             dynamicAttribute(*child, out);
     }
 
+    /// A dynamic attribute that was deleted leaves its cell to undo.
+    static bool isDeleted(const Node& n, const Attribute& a)
+    {
+        return a.is(Attribute::kDynamic) && std::none_of(n.dynamics.begin(), n.dynamics.end(), [&](const auto& d) { return d.get() == &a; });
+    }
+
     void attributes(Node& n, std::string& out)
     {
         const auto* shape = dynamic_cast<nodes::GeometryShape*>(&n);
         for (Cell* top : n.cells)
-            if (top && !top->parent && !(shape && (top->attr == shape->attrs().input || top->attr == shape->attrs().stored)))
+            if (top && !top->parent && !isDeleted(n, *top->attr) && !(shape && (top->attr == shape->attrs().input || top->attr == shape->attrs().stored)))
                 cell(*top, out);
         if (shape)
             geometry(n, *shape, out);
