@@ -29,6 +29,7 @@ struct PointRun
 {
     MSpace::Space space = MSpace::kObject;
     MObject       geometry;        ///< the working copy, which becomes the output
+    PointConstants constants;      ///< what both inputs share
     PointData     in, in2;
     bool          hasSecond = false;
     PointSubset   subset;
@@ -369,7 +370,7 @@ bool point::actsOn(const MPlug& plug, MDataBlock& block) const
     return plug == aOutGeo;
 }
 
-bool point::gather(MDataBlock& block, PointRun& run)
+bool point::gather(MDataBlock& block, PointRun& run) const
 {
     const MObject self = thisMObject();
     const auto    text = [&](const MObject& attribute) { return block.inputValue(attribute).asString(); };
@@ -387,14 +388,14 @@ bool point::gather(MDataBlock& block, PointRun& run)
         (second.geometry.isConnected() && !openPoints(block, second, run.space, run.in2)))
         return false;
     run.hasSecond = run.in2.count > 0;
-    readPoints(block, first, run.space, constants_, run.in);
+    readPoints(block, first, run.space, run.constants, run.in);
     if (run.hasSecond)
-        readPoints(block, second, run.space, constants_, run.in2);
+        readPoints(block, second, run.space, run.constants, run.in2);
 
     const auto   mode = static_cast<SubsetMode>(block.inputValue(aUseComp).asShort());
     const int    groupId = block.inputValue(aGroupId).asInt();
     const Subset subset(block, mode, {MPlug(self, aInComp), geometry.data(), groupId});
-    gatherSubset(geometry, subset, subset.componentCount(run.in.count), run.in, constants_, run.subset);
+    gatherSubset(geometry, subset, subset.componentCount(run.in.count), run.in, run.constants, run.subset);
     if (block.inputValue(aEnable[kMap]).asBool())
         gatherMap(run.in, run.uvSet, subset.all(), run.subset, run.map);
     run.box = run.in.box;

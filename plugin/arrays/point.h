@@ -35,13 +35,11 @@ public:
 
 private:
     bool         actsOn(const MPlug& plug, MDataBlock& block) const;
-    bool         gather(MDataBlock& block, PointRun& run);
+    bool         gather(MDataBlock& block, PointRun& run) const;
     void         publish(MDataBlock& block, const PointRun& run) const;
     void         runBlocks(MDataBlock& block, PointRun& run) const;
     MDoubleArray evaluate(pointText::Block which, MDataBlock& block, const PointRun& run) const;
     MStatus      write(MDataBlock& block, const PointRun& run) const;
     pointText::Source source(pointText::Block which, MDataBlock& block, const PointRun& run) const;
     std::string  plugName(const MObject& attribute) const;
-
-    PointConstants constants_;
 };

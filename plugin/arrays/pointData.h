@@ -67,8 +67,7 @@ struct PointMap
     unsigned int count = 0;
 };
 
-/// Arrays that depend on nothing but a length. A node keeps them from one evaluation to the next, so that evaluating
-/// again at the same size fills none of them.
+/// Arrays that depend on nothing but a length: both inputs of an evaluation share them.
 class PointConstants
 {
 public:
