@@ -236,6 +236,10 @@ private:
                 out += l.flag + doubleText(command::exactUi(a, l.value));
         if (a.is(Attribute::kKeyable))
             out += " -k true";
+        if (a.is(Attribute::kUsedAsColor))
+            out += " -uac";
+        if (a.is(Attribute::kUsedAsFilename))
+            out += " -uaf";
         if (!a.is(Attribute::kStorable))
             out += " -s false";
         if (a.is(Attribute::kHidden))
