@@ -44,12 +44,13 @@ void writeImage(const std::string& path, const Image& image)
 
 Image readImage(const std::string& path)
 {
-    ImageSpec plain;
+    ImageSpec layout, plain;
     plain.attribute("oiio:UnassociatedAlpha", 1);
-    const auto in = ImageInput::open(path, &plain);
+    const auto in = ImageInput::create(path);
     if (!in)
         throw Error("Cannot read image '" + path + "': " + OIIO::geterror());
-    const ImageSpec& layout = in->spec();
+    if (!in->open(path, layout, plain))
+        throw Error("Cannot read image '" + path + "': " + in->geterror());
     Image image{layout.width, layout.height, layout.nchannels, {}, {}};
     const size_t size = size_t(layout.width) * layout.height * layout.nchannels;
     const bool bytes = layout.format == TypeDesc::UINT8;

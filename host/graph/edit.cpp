@@ -387,19 +387,27 @@ std::string freeName(const std::string& wanted, Node* besides)
 namespace {
 
 /// A modifier may be taken back while later connections still stand; they must not outlive the node.
+using Links = std::vector<std::pair<Cell*, Cell*>>;   // source and target
+
+/// All connections of a cell and of what stands below it. Those from the node to itself come once, by their target.
+void addLinks(Cell& top, Links& links)
+{
+    walkCells(top, [&](Cell& c) {
+        if (c.source)
+            links.emplace_back(c.source, &c);
+        if (c.targets)
+            for (Cell* t : *c.targets)
+                if (t->node != top.node)
+                    links.emplace_back(&c, t);
+    });
+}
+
 void unlinkAll(Node& node)
 {
-    std::vector<std::pair<Cell*, Cell*>> links;
+    Links links;
     for (Cell* top : node.cells)
         if (top && !top->parent)
-            walkCells(*top, [&](Cell& c) {
-                if (c.source)
-                    links.emplace_back(c.source, &c);
-                if (c.targets)
-                    for (Cell* t : *c.targets)
-                        if (t->node != &node)
-                            links.emplace_back(&c, t);
-            });
+            addLinks(*top, links);
     for (auto [s, t] : links)
         if (t->source == s)
             unlink(*s, *t);
@@ -491,15 +499,8 @@ void deleteNode(Node& node)
         Cell* top = node.cells[slot];
         if (!top || top->parent)
             continue;
-        std::vector<std::pair<Cell*, Cell*>> links;
-        walkCells(*top, [&](Cell& c) {
-            if (c.source)
-                links.emplace_back(c.source, &c);
-            if (c.targets)
-                for (Cell* t : *c.targets)
-                    if (t->node != &node)
-                        links.emplace_back(&c, t);
-        });
+        Links links;
+        addLinks(*top, links);
         for (auto [s, t] : links)
             if (t->source == s) {
                 neighbours.emplace_back(t->node == &node ? s->node : t->node);
