@@ -65,13 +65,10 @@ public:
         auto               to = make<Buffer<int>>(corners_.size());
         std::copy(from.begin(), from.begin() + corners_.kept, to->begin());
         blended_.clear();
+        int* out = to->begin() + corners_.kept;
         for (size_t i = 0; i < corners_.list.size(); ++i) {
-            const int    s = corners_.list[i];
-            const size_t c = size_t(corners_.kept) + i;
-            if (s >= 0)
-                (*to)[c] = from[size_t(s)];
-            else
-                (*to)[c] = s == MeshPlan::none ? -1 : ends(from, s, int(c));
+            const int s = corners_.list[i];
+            *out++ = s >= 0 ? from[size_t(s)] : s == MeshPlan::none ? -1 : ends(from, s, int(i));
         }
         const size_t old = table->size();
         Buffer<T>    values(table->data(), blended_.empty() ? 0 : old);
@@ -83,7 +80,7 @@ public:
     }
 
 private:
-    struct Blended { int corner, a, b; float t; };
+    struct Blended { int corner, a, b; float t; };   // of the corner the place in the list
     struct Known { int a, b; float t; int id, next; };
 
     /// The id if both ends have the same, -1 if one has none; else a note for later.
@@ -138,7 +135,7 @@ private:
                 out.push(mix(values[size_t(b.a)], values[size_t(b.b)], b.t));
                 first = k;
             }
-            ids[size_t(b.corner)] = known[size_t(k)].id;
+            ids[size_t(corners_.kept + b.corner)] = known[size_t(k)].id;
         }
     }
 
@@ -334,10 +331,9 @@ bool fits(const MeshBody& old, const MeshPlan& plan)
 {
     const size_t corners = plan.connects.size(), faces = plan.counts.size();
     return plan.points && plan.points->size() == 3 * (size_t(plan.keptVertices) + plan.vertexSource.size())
-           && corners == size_t(plan.keptCorners) + plan.cornerSource.size()
-           && corners == size_t(plan.keptCorners) + plan.edgeSource.size()
-           && faces == size_t(plan.keptFaces) + plan.faceSource.size() && plan.keptVertices <= old.vertexCount()
-           && plan.keptCorners <= old.cornerCount() && plan.keptFaces <= old.faceCount();
+           && corners == plan.cornerSource.size() && corners == plan.edgeSource.size() && faces == plan.faceSource.size()
+           && plan.keptVertices >= 0 && plan.keptVertices <= old.vertexCount() && plan.keptFaces >= 0
+           && plan.keptFaces <= old.faceCount() && plan.keptCorners == old.topology().first(plan.keptFaces);
 }
 
 }  // namespace
@@ -349,8 +345,8 @@ Ref<MeshBody> rebuild(const MeshBody& old, MeshPlan&& plan, std::string* why)
             *why = "the sources do not fit the elements";
         return {};
     }
-    Ref<Topology> topology = Topology::create(int(plan.points->size() / 3), plan.counts.data(), plan.counts.size(),
-                                              plan.connects.data(), plan.connects.size(), why);
+    Ref<Topology> topology = Topology::extended(old.topology(), plan.keptFaces, int(plan.points->size() / 3), plan.counts.data(),
+                                                plan.counts.size(), plan.connects.data(), plan.connects.size(), why);
     if (!topology)
         return {};
     auto body = make<MeshBody>();

@@ -10,8 +10,8 @@ namespace mirk {
 /// Points and faces of a new mesh, and where each of its elements comes from in the old one.
 ///
 /// A source is the number of an old element, `none`, or blend(i) for the i-th blend. Vertices, corners and faces below
-/// the kept numbers are those of the old mesh, in place; their entries in the source lists are left out, so that list
-/// entry 0 belongs to element `kept`.
+/// the kept numbers are those of the old mesh, in place: their entries are left out of the lists here, points apart, so
+/// that list entry 0 belongs to element `kept`. Faces are kept with all their corners; then no vertex goes.
 struct MeshPlan
 {
     struct Blend { int a, b; float t; };   ///< of two old elements: a at t = 0, b at 1
@@ -20,7 +20,7 @@ struct MeshPlan
     static constexpr int blendAt(int source) { return -2 - source; }
 
     Ref<Buffer<float>> points = make<Buffer<float>>();   ///< x, y, z of each vertex
-    Buffer<int>        counts, connects;                 ///< all faces, kept ones too
+    Buffer<int>        counts, connects;
 
     int keptVertices = 0, keptCorners = 0, keptFaces = 0;
     Buffer<int>   vertexSource, cornerSource;

@@ -118,15 +118,32 @@ Topology::Topology() : offsets_(1, 0) {}
 Ref<Topology> Topology::create(int vertexCount, const int* counts, size_t faceCount, const int* connects,
                                size_t cornerCount, std::string* why)
 {
+    return extended(Topology(), 0, vertexCount, counts, faceCount, connects, cornerCount, why);
+}
+
+Ref<Topology> Topology::extended(const Topology& base, int baseFaces, int vertexCount, const int* counts, size_t faceCount,
+                                 const int* connects, size_t cornerCount, std::string* why)
+{
     if (!check(vertexCount, counts, faceCount, connects, cornerCount, why))
         return {};
+    const size_t baseCorners = size_t(base.first(baseFaces)), faces = size_t(baseFaces) + faceCount;
+    if (vertexCount < base.vertexCount() && baseFaces) {
+        refuse(why, "faces are kept, but not all vertices");
+        return {};
+    }
+    if (faces > INT_MAX - 1 || baseCorners + cornerCount > INT_MAX - 1) {
+        refuse(why, "counts out of range");
+        return {};
+    }
     auto t = make<Topology>();
     t->vertexCount_ = vertexCount;
-    t->offsets_.resize(faceCount + 1);
+    t->offsets_.resize(faces + 1);
+    std::copy_n(base.offsets_.data(), baseFaces + 1, t->offsets_.data());
     for (size_t f = 0; f < faceCount; ++f)
-        t->offsets_[f + 1] = t->offsets_[f] + counts[f];
-    t->connects_.resize(cornerCount);
-    std::copy(connects, connects + cornerCount, t->connects_.data());
+        t->offsets_[size_t(baseFaces) + f + 1] = t->offsets_[size_t(baseFaces) + f] + counts[f];
+    t->connects_.resize(baseCorners + cornerCount);
+    std::copy_n(base.connects_.data(), baseCorners, t->connects_.data());
+    std::copy_n(connects, cornerCount, t->connects_.data() + baseCorners);
     return t;
 }
 
