@@ -216,7 +216,43 @@ struct MeshRebuild
         auto l = make<LockedNormals>();
         locks(vertices, old.locked_->vertex, old.locked_->vertexLocked, l->vertex, l->vertexLocked);
         locks(corners, old.locked_->corner, old.locked_->cornerLocked, l->corner, l->cornerLocked);
+        freeNewCorners(*l);
         to.locked_ = std::move(l);
+    }
+
+    /// At a locked vertex that a new corner has come to, the others take the lock over.
+    void freeNewCorners(LockedNormals& l) const
+    {
+        if (l.vertexLocked.empty())
+            return;
+        const Buffer<int>& connects = to.topology().connects();
+        const auto isNew = [this](size_t c) {
+            return c >= size_t(plan.keptCorners) && plan.cornerSource[c - size_t(plan.keptCorners)] == MeshPlan::none;
+        };
+        Buffer<uint8_t> freed;
+        for (size_t c = size_t(plan.keptCorners); c < connects.size(); ++c)
+            if (isNew(c) && l.vertexLocked[size_t(connects[c])]) {
+                if (freed.empty()) {
+                    freed.resize(l.vertexLocked.size());
+                    std::fill(freed.begin(), freed.end(), uint8_t(0));
+                }
+                freed[size_t(connects[c])] = 1;
+            }
+        if (freed.empty())
+            return;
+        if (l.cornerLocked.empty()) {
+            l.corner.resize(connects.size());
+            l.cornerLocked.resize(connects.size());
+            std::fill(l.corner.begin(), l.corner.end(), F3{});
+            std::fill(l.cornerLocked.begin(), l.cornerLocked.end(), uint8_t(0));
+        }
+        for (size_t c = 0; c < connects.size(); ++c)
+            if (const size_t v = size_t(connects[c]); freed[v] && !isNew(c) && !l.cornerLocked[c]) {
+                l.corner[c] = l.vertex[v];
+                l.cornerLocked[c] = 1;
+            }
+        for (size_t v = 0; v < freed.size(); ++v)
+            l.vertexLocked[v] = l.vertexLocked[v] && !freed[v];
     }
 
     void hardEdges()

@@ -33,7 +33,7 @@ struct MeshPlan
 
 /// The new mesh. UVs and colours with ids are shared where the sources share them, at blends as well, and those that no
 /// corner uses any more go. A blend of which one end has no UV has none; one end without colour takes the other's; it is
-/// locked if both normals are. A component of a group keeps what comes from its members (of vertices that are blends
+/// locked if both normals are. Corners without a source are free, at locked vertices too. A component of a group keeps what comes from its members (of vertices that are blends
 /// both); groups of vertex faces lose what is not kept. Null, with the reason in `why`, if the faces are malformed or
 /// the lists have not one entry an element; sources have to exist.
 Ref<MeshBody> rebuild(const MeshBody& old, MeshPlan&& plan, std::string* why = nullptr);
