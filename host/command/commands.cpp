@@ -18,6 +18,7 @@ void registerCommands()
     registerTransformCommands();
     registerPolyCommands();
     registerMeshEditCommands();
+    registerPolyOperationCommands();
     registerNurbsCommands();
     registerSceneCommands();
     registerTimeCommands();

@@ -66,6 +66,7 @@ void registerPolyEdits()
     registerOne<uvEdit>();
     registerOne<setEdit>();
     registerGeometryEdits();
+    registerPolyOperations();
 }
 
 }  // namespace mirk::nodes
