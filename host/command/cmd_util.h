@@ -83,6 +83,7 @@ void registerTransformCommands();
 void registerPolyCommands();
 void registerMeshEditCommands();
 void registerPolyOperationCommands();
+void registerPolyCutCommands();
 void registerNurbsCommands();
 void registerSceneCommands();
 void registerTimeCommands();

@@ -19,6 +19,7 @@ void registerCommands()
     registerPolyCommands();
     registerMeshEditCommands();
     registerPolyOperationCommands();
+    registerPolyCutCommands();
     registerNurbsCommands();
     registerSceneCommands();
     registerTimeCommands();

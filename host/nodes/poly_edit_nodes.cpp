@@ -4,6 +4,7 @@
 #include <maya/MString.h>
 
 #include "graph/access.h"
+#include "nodes/poly_cut.h"
 #include "nodes/poly_edit.h"
 #include "nodes/poly_modifier.h"
 
@@ -67,6 +68,7 @@ void registerPolyEdits()
     registerOne<setEdit>();
     registerGeometryEdits();
     registerPolyOperations();
+    registerPolyCuts();
 }
 
 }  // namespace mirk::nodes
