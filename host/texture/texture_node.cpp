@@ -106,6 +106,7 @@ void registerTextureTypes()
     registerPatterns();
     registerRamp();
     registerNoise();
+    registerFile();
 }
 
 }  // namespace mirk::texture

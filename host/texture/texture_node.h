@@ -84,6 +84,7 @@ void registerPlace2d();
 void registerPatterns();
 void registerRamp();
 void registerNoise();
+void registerFile();
 
 /// Registers a texture type on texture2d.
 void registerTexture(const char* name, unsigned id, MFn::Type type, void* (*creator)(), MStatus (*initialize)());
