@@ -97,6 +97,7 @@ float chance(const float* mask, const int vertices[3])
 double degreesBetween(const Double3& a, const Double3& b)
 {
     const Double3 c = cross(a, b);
+    // a little more than 180 / pi: opposite vectors come out above a tolerance of 180, and points rest on that
     return std::atan2(std::sqrt(dot(c, c)), dot(a, b)) * 57.29577957;
 }
 

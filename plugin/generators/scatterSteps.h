@@ -64,7 +64,7 @@ Float3 direction(const Float3& v);
 /// The chance in 0 to 1 that a mask gives to a triangle: the mean of its three vertices.
 float chance(const float* mask, const int vertices[3]);
 
-/// Degrees between two vectors, 0 to 180; 0 where one of them has no length.
+/// Degrees between two vectors, 0 to 180.0000002; 0 where one of them has no length.
 double degreesBetween(const Double3& a, const Double3& b);
 
 /// The points accepted so far, to be asked whether one of them is too near. The answers are those of comparing with
