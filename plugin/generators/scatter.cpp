@@ -24,6 +24,7 @@
 
 #include "core/arrays.h"
 #include "core/node.h"
+#include "generators/scatterTextures.h"
 #include "generators/scatterThrows.h"
 
 using namespace scatter_;
@@ -196,10 +197,12 @@ Cloud scatterPoints(MDataBlock& block, const MObject& node)
         rules.throwCount = rules.maxCount = static_cast<int>(sources.size());
     }
     const std::optional<Frustum> frustum = frustumOf(block, node);
+    const Textures               textures = readTextures(block, node);
     const MeshSurface surface(mesh, data, world, given || (rules.mode != Mode::kSurface && rules.surfaceOffset > 0.0f));
 
     std::srand(static_cast<unsigned int>(block.inputValue(scatter::aSeed).asInt()));
     Cloud cloud = throwPoints(surface, RandomAim(box, toMatrix(world)), rules);
+    filterByTextures(textures, node, mesh, cloud);
     if (frustum)
         cloud.filter([&](std::size_t i) { return frustum->contains(cloud.points[i]); });
     return cloud;
