@@ -10,7 +10,7 @@ import maya.cmds as mc
 import compare
 import scenes
 from algebra import IDENTITY, add, cross, length, product, single, sub, times, unit
-from throws import BOTH, SURFACE, VOLUME, Camera, Scatter, nearestOnTriangle
+from throws import BOTH, ORDER, SURFACE, VOLUME, Camera, Checker, Projector, Scatter, UvTexture, nearestOnTriangle
 
 
 def bumpySphere(rng):
@@ -107,6 +107,38 @@ def given(rng, node, geometry):
     return points
 
 
+def checker(rng, plug):
+    """A texture on a colour."""
+    texture, place = mc.createNode('checker'), mc.createNode('place2dTexture')
+    mc.connectAttr(place + '.outUV', texture + '.uvCoord')
+    mc.setAttr(place + '.repeatU', 1)
+    mc.setAttr(place + '.repeatV', 1)
+    colors = [tuple(single(rng.choice((0.0, 1.0, rng.random()))) for _ in range(3)) for _ in range(2)]
+    mc.setAttr(texture + '.color1', *colors[0], type='double3')
+    mc.setAttr(texture + '.color2', *colors[1], type='double3')
+    mc.connectAttr(texture + '.outColor', plug)
+    return Checker(*colors)
+
+
+def textures(rng, node, geometry):
+    """The texture on UVs and up to five projectors; some of each are off."""
+    found, on = [], rng.random() < 0.6
+    if rng.random() < 0.7:
+        texture = UvTexture(checker(rng, node + '.inColor'), geometry.uvs)
+        found += [texture] if on else []
+    mc.setAttr(node + '.active', on)
+    for number in sorted(rng.sample(range(1, 21), rng.randint(0, 5)), key=ORDER.index):
+        matrix = scenes.randomMatrix(rng, size=rng.uniform(1, 3), kinds=('rigid', 'scaled', 'sheared', 'mirrored'))
+        scenes.feed('%s.inProjectionWorldMatrix%d' % (node, number), 'matrix', matrix)
+        on, contained = rng.random() < 0.8, rng.random() < 0.3
+        mc.setAttr('%s.active%d' % (node, number), on)
+        mc.setAttr('%s.contained%d' % (node, number), contained)
+        if rng.random() < 0.8:                                   # a projector without a texture drops nothing
+            texture = checker(rng, '%s.inColor%d' % (node, number))
+            found += [Projector(texture, matrix, contained)] if on else []
+    return found
+
+
 def scene(rng):
     geometry = triangles(rng)
     node = mc.createNode('scatter')
@@ -127,6 +159,8 @@ def scene(rng):
         rules['given'] = given(rng, node, geometry)
     if rng.random() < 0.3:
         rules['camera'] = camera(rng, node)
+    if rng.random() < 0.4:
+        rules['textures'] = textures(rng, node, geometry)
     mc.connectAttr(geometry.plug, node + '.inGeometry')
     mc.connectAttr(geometry.shape + '.worldMatrix[0]', node + '.inWorldMatrix')
     found, count = [tuple(p) for p in mc.getAttr(node + '.outPositionPP') or []], mc.getAttr(node + '.outCount')

@@ -69,6 +69,41 @@ class Camera:
                                                   for value, shift, slope in zip((x, y), self.shifts, self.slopes))
 
 
+class Checker:
+    """Two by two cells: the lower left and the upper right one have the first colour. A tile repeats."""
+
+    def __init__(self, one, two):
+        self.colors = (two, one)
+
+    def keeps(self, u, v):
+        t = LIBC.rand() * 4.656612870908988e-10
+        return any(t < x for x in self.colors[(u % 1 >= 0.5) == (v % 1 >= 0.5)])
+
+
+class UvTexture:
+    def __init__(self, checker, uvs):
+        self.checker, self.uvs = checker, uvs
+
+    def keeps(self, world, triangle, place, p):
+        a, b, c = (world[v] for v in triangle)
+        n = cross(sub(b, a), sub(c, a))
+        shares = [dot(cross(sub(y, x), sub(place, x)), n) / dot(n, n) for x, y in ((b, c), (c, a), (a, b))]
+        return self.checker.keeps(*[sum(s * self.uvs[v][k] for s, v in zip(shares, triangle)) for k in (0, 1)])
+
+
+class Projector:
+    def __init__(self, checker, matrix, contained):
+        self.checker, self.contained, self.toProjector = checker, contained, inverse(matrix)
+
+    def keeps(self, world, triangle, place, p):
+        x, y, _ = point(p, self.toProjector)
+        inside = -0.5 <= x <= 0.5 and -0.5 <= y <= 0.5
+        return self.checker.keeps(x + 0.5, y + 0.5) if inside else not self.contained
+
+
+ORDER = (1, 2, 3, 4, 5, 6, 8, 10, 12, 13, 15, 16, 17, 18, 7, 9, 11, 14, 19, 20)
+
+
 class Scatter:
     """mesh: the triangles' vertex numbers, local points and matrix; rules: the node's attributes by name."""
 
@@ -159,5 +194,6 @@ class Scatter:
             if not self.throw(i):
                 break
         for texture in self.textures:
-            self.found = [entry for entry in self.found if texture.keeps(*entry)]
+            self.found = [(p, face, place) for p, face, place in self.found
+                          if texture.keeps(self.world, self.triangles[face], place, p)]
         return [p for p, _, _ in self.found if self.camera is None or self.camera.sees(p)]
