@@ -123,6 +123,10 @@ void repeated(const T value[4], std::size_t count, T* out)
 
 void moved(const float* values, std::size_t count, double by, float* out)
 {
+    if (by == 0.0) {
+        std::copy_n(values, count, out);
+        return;
+    }
     for (std::size_t i = 0; i < count; ++i)
         out[i] = float(double(values[i]) + by);
 }

@@ -142,6 +142,7 @@ MObject merge(Gathered& gathered, const Look& look, const MMatrixArray& matrices
     for (const std::vector<Placed>& placed = gathered.placed; done < placed.size();) {
         const std::size_t           begin = done;
         std::vector<copies::Extent> starts;
+        starts.reserve(std::min<std::size_t>(placed.size() - begin, kBatch));
         for (const std::size_t stop = end.points + kBatch; done < placed.size() && end.points < stop; ++done) {
             starts.push_back(end);
             end += copies::extentOf(*placed[done].source, !look.uvs.empty());
