@@ -30,6 +30,8 @@
 #include "deformers/registered.h"
 #include "display/registered.h"
 #include "dynamics/registered.h"
+#include "generators/copier.h"
+#include "generators/extractor.h"
 #include "generators/registered.h"
 #include "generators/scatter.h"
 #include "spatial/kdTree.h"

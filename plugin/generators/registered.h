@@ -24,10 +24,8 @@ public:
 using CocoonDrawOverride = RegisteredOverride<cocoon>;
 
 class convexHull : public Registered<convexHull, MPxNode, 0x11579D> {};
-class copier : public Registered<copier, MPxNode, 0x1157A0> {};
 class stickyCurves : public Registered<stickyCurves, MPxNode, 0x115747> {};
 class voxelGrid : public Registered<voxelGrid, MPxNode, 0x1157A4> {};
-class extractor : public Registered<extractor, MPxNode, 0x1157A5> {};
 class curvesToPointCloud : public Registered<curvesToPointCloud, MPxNode, 0x1157B2> {};
 class blendCurves : public Registered<blendCurves, MPxNode, 0x1157B3> {};
 class resample : public Registered<resample, MPxNode, 0x1157BF> {};
