@@ -12,16 +12,7 @@ class cage : public Registered<cage, MPxNode, 0x11576C> {};
 class mapToMesh : public Registered<mapToMesh, MPxNode, 0x115772> {};
 class meshToMap : public Registered<meshToMap, MPxNode, 0x115773> {};
 class pointCloudToMultiCurve : public Registered<pointCloudToMultiCurve, MPxNode, 0x115774> {};
-class shell : public Registered<shell, MPxNode, 0x11578B> {};
 class pointCloudToMesh : public Registered<pointCloudToMesh, MPxNode, 0x11578E> {};
-
-class cocoon : public Registered<cocoon, MPxLocatorNode, 0x115790>
-{
-public:
-    static inline MString drawDbClassification{"drawdb/geometry/cocoon"};
-    static inline MString drawRegistrantId{"CocoonNodePlugin"};
-};
-using CocoonDrawOverride = RegisteredOverride<cocoon>;
 
 class convexHull : public Registered<convexHull, MPxNode, 0x11579D> {};
 class stickyCurves : public Registered<stickyCurves, MPxNode, 0x115747> {};
