@@ -176,6 +176,21 @@ const Lists& Topology::edgeCorners() const
     });
 }
 
+const Buffer<int>& Topology::border() const
+{
+    return border_.get([this] {
+        const EdgeTable& e = edges();
+        Buffer<int> uses(size_t(e.count()), 0);
+        for (int edge : e.ofCorner)
+            ++uses[size_t(edge)];
+        auto corners = make<Buffer<int>>();
+        for (int c = 0; c < cornerCount(); ++c)
+            if (uses[size_t(e.ofCorner[size_t(c)])] == 1)
+                corners->push(c);
+        return corners;
+    });
+}
+
 int Topology::edgeBetween(int a, int b) const
 {
     if (a < 0 || a >= vertexCount_)

@@ -66,13 +66,18 @@ public:
     /// The edge between two vertices; -1 if there is none.
     int  edgeBetween(int a, int b) const;
     bool onBoundary(int edge) const { return edgeCorners()[edge].size() < 2; }
+    /// Ascending corners whose edge no other face has.
+    const Buffer<int>& border() const;
+    /// Tells the border of a topology that was just made, so that nobody needs to number edges for it. A maker may list
+    /// one corner for each time an edge is passed more often in one direction than in the other.
+    void publishBorder(Ref<Buffer<int>> border) const { border_.get([&] { return std::move(border); }); }
 
 private:
     int         vertexCount_ = 0;
     Buffer<int> offsets_, connects_;
 
     Lazy<EdgeTable>   edges_;
-    Lazy<Buffer<int>> cornerFaces_;
+    Lazy<Buffer<int>> cornerFaces_, border_;
     Lazy<Lists>       vertexCorners_, vertexEdges_, edgeCorners_;
 };
 
