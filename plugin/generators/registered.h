@@ -15,7 +15,6 @@ public:
 };
 using ScatterDrawOverride = RegisteredOverride<scatter>;
 
-class shatter : public Registered<shatter, MPxNode, 0x115763> {};
 class cage : public Registered<cage, MPxNode, 0x11576C> {};
 class mapToMesh : public Registered<mapToMesh, MPxNode, 0x115772> {};
 class meshToMap : public Registered<meshToMap, MPxNode, 0x115773> {};
