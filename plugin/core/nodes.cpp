@@ -35,6 +35,7 @@
 #include "generators/extractor.h"
 #include "generators/registered.h"
 #include "generators/scatter.h"
+#include "generators/shatter.h"
 #include "generators/shell.h"
 #include "spatial/kdTree.h"
 #include "spatial/resolvePointCollisions.h"
