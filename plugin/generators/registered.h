@@ -1,6 +1,5 @@
 // Generators of geometry: the node types that are registered and await their work.
 #pragma once
-#include <maya/MPxLocatorNode.h>
 
 #include "core/registered.h"
 
