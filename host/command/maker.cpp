@@ -31,6 +31,29 @@ Node& makerOf(const Call& call, const Maker& maker)
     fail(std::string(call.command->name) + ": no node of type " + maker.nodeType + " is given");
 }
 
+Value queryFlag(Call& call, const Maker& maker)
+{
+    Node& node = makerOf(call, maker);
+    for (const MakerFlag& f : maker.flags)
+        if (call.has(f.flag))
+        {
+            Cell& cell = *node.cell(node.findAttribute(f.attribute));
+            eval::pullDeep(cell);
+            if (cell.attr->children.empty())
+                return storeElement(cell.store()) == Store::kDouble || cell.store() == Store::kDouble || cell.store() == Store::kFloat
+                           ? Value(toUi(*cell.attr, cell.number())) : Value(int(cell.number()));
+            std::vector<double> out;
+            for (size_t k = 0; k < cell.attr->children.size(); ++k)
+                out.push_back(toUi(*cell.child(k)->attr, cell.child(k)->number()));
+            return Value(out);
+        }
+    if (call.has("name"))
+        return Value(nodeName(node));
+    fail(std::string(call.command->name) + ": a flag that says what to ask has to be given");
+}
+
+}  // namespace
+
 void setFromFlags(const Call& call, const Maker& maker, Node& node)
 {
     for (const Call::Use& use : call.uses)
@@ -54,26 +77,7 @@ void setFromFlags(const Call& call, const Maker& maker, Node& node)
             }
 }
 
-Value queryFlag(Call& call, const Maker& maker)
-{
-    Node& node = makerOf(call, maker);
-    for (const MakerFlag& f : maker.flags)
-        if (call.has(f.flag))
-        {
-            Cell& cell = *node.cell(node.findAttribute(f.attribute));
-            eval::pullDeep(cell);
-            if (cell.attr->children.empty())
-                return storeElement(cell.store()) == Store::kDouble || cell.store() == Store::kDouble || cell.store() == Store::kFloat
-                           ? Value(toUi(*cell.attr, cell.number())) : Value(int(cell.number()));
-            std::vector<double> out;
-            for (size_t k = 0; k < cell.attr->children.size(); ++k)
-                out.push_back(toUi(*cell.child(k)->attr, cell.child(k)->number()));
-            return Value(out);
-        }
-    if (call.has("name"))
-        return Value(nodeName(node));
-    fail(std::string(call.command->name) + ": a flag that says what to ask has to be given");
-}
+namespace {
 
 /// The maker of a command that creates; with its flags' values.
 Node& newMaker(Call& call, const Maker& maker)
@@ -112,7 +116,8 @@ Value made(Node& transform, Node& node, bool history)
     return Value(Strings{nodeName(transform)});
 }
 
-/// True if the call only edits or asks; `result` is its answer then.
+}  // namespace
+
 bool isNoCreation(Call& call, const Maker& maker, Value& result)
 {
     if (call.isQuery())
@@ -122,8 +127,6 @@ bool isNoCreation(Call& call, const Maker& maker, Value& result)
     setFromFlags(call, maker, makerOf(call, maker));
     return result = Value(true), true;
 }
-
-}  // namespace
 
 Value runMaker(Call& call, const Maker& maker, std::span<const char* const> parts)
 {
