@@ -1,6 +1,7 @@
 #include <maya/MGlobal.h>
 
 #include <deque>
+#include <optional>
 
 #include <maya/MAnimControl.h>
 #include <maya/MApiVersion.h>
@@ -276,6 +277,20 @@ std::vector<Item> inScene(const std::vector<Item>& items)
     return kept;
 }
 
+/// What a compute does to the scene is no part of the command that asked for a value.
+class Untraced
+{
+public:
+    Untraced()
+    {
+        if (eval::depth() > 0)
+            quiet_.emplace();
+    }
+
+private:
+    std::optional<undo::Suspend> quiet_;
+};
+
 MStatus adjust(const MSelectionList& src, MGlobal::ListAdjustment how)
 {
     MSelectionList now;
@@ -293,6 +308,7 @@ MStatus adjust(const MSelectionList& src, MGlobal::ListAdjustment how)
     }
     default: return MS::kInvalidParameter;
     }
+    const Untraced untraced;
     selection::set(SelectionAccess::items(now));
     return MS::kSuccess;
 }
@@ -362,7 +378,8 @@ MStatus MGlobal::deleteNode(MObject& object)
     Node* node = objectAs<Node>(object);
     if (!node || !node->inScene)
         return MS::kInvalidParameter;
-    const MStatus status = api::guarded([&] { dag::deleteNode(*node); });
+    const Untraced untraced;
+    const MStatus  status = api::guarded([&] { dag::deleteNode(*node); });
     if (status)
         object = MObject();
     return status;

@@ -26,9 +26,13 @@ void insertAt(std::vector<Node*>& list, Node* node, size_t place)
     list.insert(list.begin() + std::ptrdiff_t(std::min(place, list.size())), node);
 }
 
+/// Nodes that come and go are mostly the last ones.
 size_t placeOf(const std::vector<Node*>& list, const Node* node)
 {
-    return size_t(std::find(list.begin(), list.end(), node) - list.begin());
+    for (size_t i = list.size(); i-- > 0;)
+        if (list[i] == node)
+            return i;
+    return list.size();
 }
 
 /// One parent-child link: `asChild` is its place among the parent's children, `asParent` among the child's parents.
@@ -75,8 +79,8 @@ bool isAbove(const Node& top, const Node& node)
 
 Node* sibling(const Node& parent, const std::string& name, const Node* besides)
 {
-    for (Node* c : parent.dag->children)
-        if (c != besides && c->name == name)
+    for (Node* c : scene().named(name))   // few, where a parent may have thousands of children
+        if (c != besides && c->dag && std::count(c->dag->parents.begin(), c->dag->parents.end(), &parent))
             return c;
     return nullptr;
 }
@@ -100,19 +104,17 @@ std::string freeNameBelow(const std::string& wanted, const std::vector<Node*>& p
     if (!numbered && freeEverywhere(wanted))
         return wanted;
     std::string base = numbered ? wanted.substr(0, wanted.size() - 1) : wanted;
-    int         first = 1;
-    if (!numbered) {
-        const size_t digits = base.find_last_not_of("0123456789") + 1;
-        if (digits < base.size() && base.size() - digits < 9)
-            first = std::stoi(base.substr(digits)) + 1;
-        if (digits > 0)
-            base.resize(digits);
-    }
-    for (int i = first;; ++i) {
-        const std::string name = base + std::to_string(i);
-        if (numbered ? scene().named(name).empty() : freeEverywhere(name))
+    if (numbered)
+        return base + std::to_string(scene().freeNumber(base));
+    int          first = 1;
+    const size_t digits = base.find_last_not_of("0123456789") + 1;
+    if (digits < base.size() && base.size() - digits < 9)
+        first = std::stoi(base.substr(digits)) + 1;
+    if (digits > 0)
+        base.resize(digits);
+    for (int i = first;; ++i)
+        if (const std::string name = base + std::to_string(i); freeEverywhere(name))
             return name;
-    }
 }
 
 void putName(Node& node, const std::string& name)

@@ -114,8 +114,12 @@ void link(Cell& source, Cell& target)
 
 void unlink(Cell& source, Cell& target)
 {
-    if (source.targets)
-        std::erase(*source.targets, &target);
+    if (source.targets) {
+        auto& all = *source.targets;   // connections that come and go are mostly the last ones
+        const auto last = std::find(all.rbegin(), all.rend(), &target);
+        if (last != all.rend())
+            all.erase(std::next(last).base());
+    }
     if (target.source == &source)
         target.source = nullptr;
     scene().modified = true;
@@ -373,15 +377,11 @@ std::string freeName(const std::string& wanted, Node* besides)
             number = std::stoi(base.substr(digits)) + 1;
         base.resize(digits);
     }
-    // jump over runs of used numbers, which long scripts make: remembered by base name
-    static std::unordered_map<std::string, int> hints;
-    int& hint = hints[base];
-    if (hint > number && taken(base + std::to_string(number)))
-        number = hint;
-    while (taken(base + std::to_string(number)))
-        ++number;
-    hint = number;
-    return base + std::to_string(number);
+    const int free = scene().freeNumber(base, number);
+    if (besides && besides->name.size() > base.size() && besides->name.size() < base.size() + 10 && besides->name.compare(0, base.size(), base) == 0)
+        if (const int own = std::atoi(besides->name.c_str() + base.size()); own >= number && own < free && besides->name == base + std::to_string(own))
+            return besides->name;   // keeps its number if none below is free
+    return base + std::to_string(free);
 }
 
 namespace {

@@ -36,8 +36,10 @@ void Scene::remove(Node& node)
     auto it = byName_.find(node.name);
     if (it != byName_.end()) {
         std::erase(it->second, &node);
-        if (it->second.empty())
+        if (it->second.empty()) {
             byName_.erase(it);
+            nameFreed(node.name);
+        }
     }
     node.inScene = false;
     modified = true;
@@ -50,11 +52,49 @@ void Scene::renamed(Node& node, const std::string& old)
     auto it = byName_.find(old);
     if (it != byName_.end()) {
         std::erase(it->second, &node);
-        if (it->second.empty())
+        if (it->second.empty()) {
             byName_.erase(it);
+            nameFreed(old);
+        }
     }
     byName_[node.name].push_back(&node);
     modified = true;
+}
+
+void Scene::nameFreed(const std::string& name)
+{
+    const size_t digits = name.find_last_not_of("0123456789") + 1;
+    if (digits == name.size() || name.size() - digits > 9 || name[digits] == '0')
+        return;
+    const auto it = numbers_.find(name.substr(0, digits));
+    const int  number = std::stoi(name.substr(digits));
+    if (it == numbers_.end())
+        return;
+    Numbers& n = it->second;
+    if (number >= n.runFirst && number < n.runEnd)
+        n.runEnd = number;
+    if (number + 1 == n.next)
+        n.next = number;
+    else if (number < n.next)
+        n.freed.insert(number);
+}
+
+int Scene::freeNumber(const std::string& base, int from)
+{
+    Numbers&   n = numbers_[base];
+    const auto taken = [&](int number) { return byName_.count(base + std::to_string(number)) != 0; };
+    for (auto it = n.freed.lower_bound(from); it != n.freed.end(); it = n.freed.erase(it))
+        if (*it < n.next && !taken(*it))
+            return *it;
+    while (taken(n.next))
+        ++n.next;
+    if (from <= n.next)
+        return n.next;
+    if (from < n.runFirst || from > n.runEnd)
+        n.runFirst = n.runEnd = from;
+    while (taken(n.runEnd))
+        ++n.runEnd;
+    return n.runEnd;
 }
 
 const std::vector<Node*>& Scene::named(const std::string& name) const

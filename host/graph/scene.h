@@ -1,5 +1,6 @@
 // The scene: which nodes there are, by name and in order.
 #pragma once
+#include <set>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -19,6 +20,8 @@ public:
     Node* first(const std::string& name) const { auto& n = named(name); return n.empty() ? nullptr : n.front(); }
     /// All nodes in order of creation.
     std::vector<Node*> nodes() const;
+    /// The lowest number from `from` on for which no node is called base + number, in about constant time.
+    int freeNumber(const std::string& base, int from = 1);
     size_t count() const { return byName_.size(); }
     /// Called when a node enters or leaves (DAG and selection keep their lists true).
     void (*onRemoved)(Node&) = nullptr;
@@ -26,7 +29,17 @@ public:
     std::string fileName;
 
 private:
+    /// Numbers behind a base name: all below `next` are taken but those in `freed`, of which some may be by now.
+    struct Numbers
+    {
+        int           next = 1;
+        std::set<int> freed;
+        int           runFirst = 0, runEnd = 0;   ///< of a run further up that was looked through: all taken
+    };
+    void nameFreed(const std::string& name);
+
     std::unordered_map<std::string, std::vector<Node*>> byName_;
+    std::unordered_map<std::string, Numbers>            numbers_;
     size_t nextOrder_ = 0;
 };
 

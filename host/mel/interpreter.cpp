@@ -8,6 +8,7 @@
 
 #include "command/message.h"
 #include "mel/cache.h"
+#include "mel/direct.h"
 #include "mel/machine.h"
 #include "mel/native.h"
 #include "mel/symbols.h"
@@ -52,6 +53,8 @@ Value run(std::string_view text, std::string_view name, bool isFile)
     m.findScript = sourceByName;
     if (m.depth == 0)
         m.interruptFlag = false;
+    if (Value result; !isFile && runDirect(text, name, result))
+        return result;
     std::shared_ptr<const Unit> unit;
     if (text.size() >= UINT32_MAX / 2)
         throw errorAt({std::string(name), "", isFile}, 0, "The text is too long.");

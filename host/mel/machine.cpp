@@ -21,7 +21,6 @@ namespace {
 
 constexpr size_t kStackSlots = size_t(1) << 22;   // 32 MB, mapped as it is used
 constexpr size_t kMaxFrames = 50000;
-constexpr int    kMaxDepth = 100;                 // entries from outside use the native stack
 
 int32_t wrap(int64_t v) { return int32_t(uint32_t(uint64_t(v))); }
 
@@ -145,16 +144,7 @@ Value Machine::call(std::shared_ptr<const Function> f, std::span<const Value> ar
     if (depth >= kMaxDepth)
         throw Error("Stack overflow: scripts run each other too deeply.");
     const size_t bottom = frameCount();
-    struct Level
-    {
-        explicit Level(Machine& m) : m(m) { ++m.depth; }
-        ~Level()
-        {
-            if (--m.depth == 0)
-                m.retired_.clear();
-        }
-        Machine& m;
-    } level(*this);
+    const Entry  entry(*this);
     const Body& fn = *f->body;
     if (args.size() != fn.params.size())
         throw Error("Wrong number of arguments on call to " + fn.name + ".");

@@ -21,6 +21,24 @@ public:
     /// A name that no text defined when the caller was compiled: a procedure, a command, a script file of that name.
     Value callByName(const std::string& name, std::span<const Value> args);
 
+    static constexpr int kMaxDepth = 100;        ///< entries from outside use the native stack
+    /// One entry from outside, as long as it lives.
+    class Entry
+    {
+    public:
+        explicit Entry(Machine& m) : machine_(m) { ++m.depth; }
+        ~Entry()
+        {
+            if (--machine_.depth == 0)
+                machine_.retired_.clear();
+        }
+        Entry(const Entry&) = delete;
+        Entry& operator=(const Entry&) = delete;
+
+    private:
+        Machine& machine_;
+    };
+
     std::recursive_mutex lock;                   ///< one interpreter, one script at a time
     std::atomic<bool>    interruptFlag{false};
     int                  depth = 0;              ///< of entries from outside

@@ -1,5 +1,6 @@
 // Commands and expressions of the parser; binary operators by precedence climbing.
 #include "mel/parser_impl.h"
+#include "mel/words.h"
 
 namespace mirk::mel {
 
@@ -124,8 +125,8 @@ Node* Parser::argument()
         if (isIdentStart(d))
         {
             Node* n = node(Kind::kStrLit, offset);
-            for (n->text = lex_.at(), ++lex_.pos; isIdent(lex_.at()); ++lex_.pos)
-                n->text += lex_.at();
+            n->text = flagAt(lex_.text(), lex_.pos);
+            lex_.pos += uint32_t(n->text.size());
             return n;
         }
         if (d == '$' || d == '(')
@@ -154,49 +155,20 @@ Node* Parser::variableArgument()
     return component(n);
 }
 
-bool Parser::isWordChar(char c)
-{
-    return isIdent(c) || (c && std::string_view(".|:*?[]#~/\\+@%-").find(c) != std::string_view::npos) || static_cast<unsigned char>(c) >= 128;
-}
-
 Node* Parser::word(uint32_t offset)
 {
-    std::string text;
-    for (bool bracket = false; isWordChar(lex_.at()) || (bracket && lex_.at() && lex_.at() != '\n' && lex_.at() != '$'); ++lex_.pos)
-    {
-        if (lex_.at() == '/' && (lex_.at(1) == '/' || lex_.at(1) == '*'))
-            break;
-        bracket = lex_.at() == '[' || (bracket && lex_.at() != ']');
-        text += lex_.at();
-    }
+    const std::string_view text = wordAt(lex_.text(), lex_.pos);
     if (text.empty())
         syntaxError(lex_.peek());
-    if (const int constant = constantWord(text); constant >= 0)
-    {
-        Node* n = node(Kind::kIntLit, offset);
-        n->number = constant;
-        return n;
-    }
-    if (Node* n = numberWord(text, offset))
-        return n;
-    Node* n = node(Kind::kStrLit, offset);
-    n->text = std::move(text);
-    return n;
-}
-
-Node* Parser::numberWord(const std::string& text, uint32_t offset)
-{
-    const bool   negative = text[0] == '-';
-    const Source own{lex_.source().name, text.substr(negative), false};
-    if (own.text.empty() || (!isDigit(own.text[0]) && own.text[0] != '.'))
-        return nullptr;
-    Lexer scan(own);
-    Token t;
-    if (!scan.number(t) || !scan.atEnd())
-        return nullptr;
-    const double value = negative ? -t.number : t.number;
-    Node* n = node(t.kind == Tok::kInt && value <= 2147483647.0 ? Kind::kIntLit : Kind::kFloatLit, offset);
-    n->number = value;
+    lex_.pos += uint32_t(text.size());
+    const WordValue w = valueOfWord(text);
+    if (w.kind == WordValue::kOutOfRange)
+        fail(offset, "The number is out of range.");
+    Node* n = node(w.kind == WordValue::kInt ? Kind::kIntLit : w.kind == WordValue::kFloat ? Kind::kFloatLit : Kind::kStrLit, offset);
+    if (w.kind == WordValue::kText)
+        n->text = text;
+    else
+        n->number = w.number;
     return n;
 }
 

@@ -122,10 +122,8 @@ private:
     Node* argument();
     Node* parenthesised();
     Node* variableArgument();
-    static bool isWordChar(char c);
     /// A bare word: a number, a constant or a string.
     Node* word(uint32_t offset);
-    Node* numberWord(const std::string& text, uint32_t offset);
 
     // ---- expressions
     Node* expression();

@@ -381,8 +381,9 @@ Ref<MeshBody> rebuild(const MeshBody& old, MeshPlan&& plan, std::string* why)
             *why = "the sources do not fit the elements";
         return {};
     }
-    Ref<Topology> topology = Topology::extended(old.topology(), plan.keptFaces, int(plan.points->size() / 3), plan.counts.data(),
-                                                plan.counts.size(), plan.connects.data(), plan.connects.size(), why);
+    const int     vertices = int(plan.points->size() / 3);
+    Ref<Topology> topology = plan.keptFaces ? Topology::extended(old.topology(), plan.keptFaces, vertices, plan.counts.data(), plan.counts.size(), plan.connects.data(), plan.connects.size(), why)
+                                            : Topology::create(vertices, plan.counts.data(), plan.counts.size(), plan.connects.data(), plan.connects.size(), why);
     if (!topology)
         return {};
     auto body = make<MeshBody>();
