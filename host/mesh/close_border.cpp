@@ -107,7 +107,10 @@ private:
 class Closer
 {
 public:
-    Closer(const MeshBody& mesh, const ElementSet* edges) : mesh_(mesh), t_(mesh.topology()), edges_(edges && !edges->all() ? edges : nullptr) {}
+    Closer(const MeshBody& mesh, const ElementSet* edges)
+        : mesh_(mesh), t_(mesh.topology()), edges_(edges && !edges->all() ? edges : nullptr)
+    {
+    }
 
     Ref<MeshBody> run()
     {

@@ -381,9 +381,11 @@ Ref<MeshBody> rebuild(const MeshBody& old, MeshPlan&& plan, std::string* why)
             *why = "the sources do not fit the elements";
         return {};
     }
-    const int     vertices = int(plan.points->size() / 3);
-    Ref<Topology> topology = plan.keptFaces ? Topology::extended(old.topology(), plan.keptFaces, vertices, plan.counts.data(), plan.counts.size(), plan.connects.data(), plan.connects.size(), why)
-                                            : Topology::create(vertices, plan.counts.data(), plan.counts.size(), plan.connects.data(), plan.connects.size(), why);
+    const int  vertices = int(plan.points->size() / 3);
+    const int *counts = plan.counts.data(), *connects = plan.connects.data();
+    Ref<Topology> topology = plan.keptFaces
+        ? Topology::extended(old.topology(), plan.keptFaces, vertices, counts, plan.counts.size(), connects, plan.connects.size(), why)
+        : Topology::create(vertices, counts, plan.counts.size(), connects, plan.connects.size(), why);
     if (!topology)
         return {};
     auto body = make<MeshBody>();
