@@ -103,7 +103,8 @@ std::size_t thrown(Mode mode, int maxCount, float step, float spacing, std::vect
     rules.sources = sources.data();
     rules.spacing = spacing;
     rules.spacingMask = std::move(spacingMask);
-    return throwPoints(Ceiling(), RandomAim({}, {}), rules).points.size();
+    Draws draws(1);
+    return throwPoints(Ceiling(), RandomAim({}, {}), rules, draws).points.size();
 }
 
 } // namespace
