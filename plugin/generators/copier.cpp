@@ -100,6 +100,8 @@ MStatus copier::compute(const MPlug& plug, MDataBlock& block)
         return MS::kUnknownParameter;
     if (plug == aInstancerData)                                          // plug test: the mesh and what goes with it
         return writeInstancer(block);                                    // are filled in one run
+    if (plug == aComponentList)                                          // there for connections of old scenes
+        return MS::kSuccess;
     if (!isAnyOf(plug, {&aOutMesh, &aCount, &aOutDataPP}))
         return MS::kUnknownParameter;
 
