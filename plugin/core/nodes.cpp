@@ -33,6 +33,7 @@
 #include "generators/copier.h"
 #include "generators/extractor.h"
 #include "generators/registered.h"
+#include "generators/scatter.h"
 #include "spatial/kdTree.h"
 #include "spatial/resolvePointCollisions.h"
 #include "spatial/shortestPath.h"
