@@ -300,6 +300,21 @@ TEST_F(Copier, TimeShift)
     EXPECT_GT(std::fabs(widths().at(0) - drawn[0]), 1e-3);
     run("setAttr n.seed 5489");
     EXPECT_EQ(widths(), drawn);
+
+    // a copier of a copier: the inner one is asked at another time for each copy, its data as well
+    makeCopier({}, {{"posArray", {'v', {0, 0, 0, 0, 0, 0}}}}, std::string(plane) + "createNode copier -name inner; connectAttr p.outMesh"
+               " inner.inputMesh[0]; disconnectAttr p.outMesh n.inputMesh[0]; connectAttr inner.outputMesh n.inputMesh[0];"
+               "setAttr n.toggleTimeShift 1");
+    give("inner.posArray", kOrigin);
+    give("inner.inDataPP[0]", {'d', {4}});
+    give("n.timeShift", {'d', {0.25, 1}});
+    EXPECT_EQ(read("inner.outDataPP[0]").values.size(), 16u);
+    expectValues(widths(), {2.5, 4}, "of a copier");
+    EXPECT_EQ(read("inner.outDataPP[0]").values.size(), 16u);
+    EXPECT_NEAR(std::fabs(points("inner.outputMesh").at(0).x), 1.5, 1e-6);
+    run("setAttr inner.envelope 0");
+    EXPECT_EQ(pointCount(), 0);
+    EXPECT_EQ(read("inner.outDataPP[0]").values.size(), 0u);
 }
 
 TEST(Copies, RandomShifts)
