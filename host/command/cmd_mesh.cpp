@@ -4,6 +4,7 @@
 #include <maya/MAngle.h>
 
 #include "command/cmd_util.h"
+#include "command/poly_history.h"
 #include "command/shape_edit.h"
 #include "data/component.h"
 #include "graph/evaluate.h"
@@ -18,59 +19,31 @@ namespace {
 constexpr uint8_t kBoth = kCreate | kQuery;
 constexpr uint8_t kAll = kCreate | kQuery | kEdit;
 
-struct Target
-{
-    Node*                   shape;
-    Ref<ComponentListData>  components;   ///< null: the whole mesh
-};
+using Target = PolyTarget;
 
-/// The meshes a command works on, with the components named of each.
-std::vector<Target> targets(const Call& call)
-{
-    std::vector<Target> out;
-    for (const Item& item : callItems(call))
-    {
-        Node& shape = meshShapeOf(item);
-        auto  it = std::find_if(out.begin(), out.end(), [&](const Target& t) { return t.shape == &shape; });
-        if (it == out.end())
-            it = out.insert(out.end(), {&shape, item.component ? make<ComponentListData>() : Ref<ComponentListData>()});
-        if (item.component && it->components)
-            mergeInto(*it->components, *item.component);
-        else
-            it->components = nullptr;
-    }
-    if (out.empty())
-        fail(std::string(call.command->name) + ": no polygon object is given or selected");
-    return out;
-}
+std::vector<Target> targets(const Call& call) { return polyTargets(call); }
 
-/// Applies an edit to a stored mesh, or puts its node between the history and the shape. Returns the node's name.
-std::string apply(const Target& target, const PolyEdit& edit, const PolyParameters& p)
+/// As a node if the shape has history or `history` asks for it, whose name is returned; else in the stored mesh.
+std::string apply(const Target& target, const PolyEdit& edit, const PolyParameters& p, bool history = false, const std::string& name = {})
 {
-    if (!hasHistory(*target.shape))
+    if (!history && !hasHistory(*target.shape))
     {
         editMesh(*target.shape, [&](MeshBody& mesh) { edit.apply(mesh, target.components.get(), p); });
         return {};
     }
-    Cell& input = *target.shape->cell(target.shape->findAttribute("inMesh"));
-    Cell& before = *input.source;
-    Node* node = edit::createNode(findNodeType(edit.type));
-    for (size_t i = 0; i < edit.numbers.size(); ++i)
-        edit::setNumber(*node->cell(node->findAttribute(edit.numbers[i].longName)), p.number[i]);
-    for (size_t i = 0; i < edit.texts.size(); ++i)
-        edit::setData(*node->cell(node->findAttribute(edit.texts[i].longName)), make<StringData>(p.text[i]));
-    if (target.components)
-        edit::setData(*node->cell(node->findAttribute("inputComponents")), target.components);
-    edit::connect(before, *node->cell(node->findAttribute("inputPolymesh")));
-    edit::connect(*node->cell(node->findAttribute("output")), input, true);
-    return nodeName(*node);
+    return nodeName(insertModifier(target, edit.type, name, [&](Node& node) {
+        for (size_t i = 0; i < edit.numbers.size(); ++i)
+            edit::setNumber(*node.cell(node.findAttribute(edit.numbers[i].longName)), p.number[i]);
+        for (size_t i = 0; i < edit.texts.size(); ++i)
+            edit::setData(*node.cell(node.findAttribute(edit.texts[i].longName)), make<StringData>(p.text[i]));
+    }));
 }
 
 Value applyToAll(const Call& call, const PolyEdit& edit, const PolyParameters& p)
 {
     Strings made;
     for (const Target& t : targets(call))
-        if (std::string name = apply(t, edit, p); !name.empty())
+        if (std::string name = apply(t, edit, p, call.boolean("constructionHistory"), call.str("name")); !name.empty())
             made.push_back(name);
     return made.empty() ? Value() : Value(made);
 }
@@ -366,27 +339,6 @@ constexpr Flag kEvaluate[] = {
     {"uve", "uvSets"},
 };
 
-int shellCount(const Topology& t)
-{
-    std::vector<int> root(size_t(t.vertexCount()));
-    for (size_t i = 0; i < root.size(); ++i)
-        root[i] = int(i);
-    const auto find = [&](int v) {
-        while (root[size_t(v)] != v)
-            v = root[size_t(v)] = root[size_t(root[size_t(v)])];
-        return v;
-    };
-    for (int f = 0; f < t.faceCount(); ++f)
-        for (int v : t.face(f))
-            root[size_t(find(v))] = find(t.face(f)[0]);
-    std::vector<bool> used(root.size());
-    int               count = 0;
-    for (int f = 0; f < t.faceCount(); ++f)
-        if (const int r = find(t.face(f)[0]); !used[size_t(r)])
-            used[size_t(r)] = true, ++count;
-    return count;
-}
-
 double areaOf(const MeshBody& mesh, const double (*m)[4])
 {
     double sum = 0;
@@ -434,7 +386,7 @@ Value evaluate(Call& call)
         uvs += int(body.uvSets().sets[size_t(set)].uvs->size());
         triangles += body.cornerCount() - 2 * body.faceCount();
         if (call.has("shell") || call.uses.empty())
-            shells += shellCount(body.topology());
+            shells += body.topology().shells().count();
         if (call.has("area") || call.has("worldArea"))
         {
             double m[4][4];

@@ -82,6 +82,8 @@ void registerDagCommands();
 void registerTransformCommands();
 void registerPolyCommands();
 void registerMeshEditCommands();
+void registerPolyOperationCommands();
+void registerPolyCutCommands();
 void registerNurbsCommands();
 void registerSceneCommands();
 void registerTimeCommands();

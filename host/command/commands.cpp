@@ -18,6 +18,8 @@ void registerCommands()
     registerTransformCommands();
     registerPolyCommands();
     registerMeshEditCommands();
+    registerPolyOperationCommands();
+    registerPolyCutCommands();
     registerNurbsCommands();
     registerSceneCommands();
     registerTimeCommands();

@@ -2,6 +2,7 @@
 
 #include "data/component.h"
 #include "graph/evaluate.h"
+#include "mesh/elements.h"
 #include "nodes/geometry_shape.h"
 #include "nurbs/nurbs_data.h"
 
@@ -197,15 +198,7 @@ std::vector<int> elementsOf(const MeshBody& mesh, const Component& c)
                       : c.apiType() == MFn::kMeshEdgeComponent ? mesh.edgeCount()
                       : c.apiType() == MFn::kMeshMapComponent  ? int(mesh.uvSets().sets[size_t(mesh.uvSets().current)].uvs->size())
                                                                : mesh.vertexCount();
-    std::vector<int> out;
-    if (c.complete)
-        for (int i = 0; i < count; ++i)
-            out.push_back(i);
-    else
-        for (int i : c.indices)
-            if (i >= 0 && i < count)
-                out.push_back(i);
-    return out;
+    return mirk::elementsOf(c, count);
 }
 
 std::vector<int> pointIndices(Node& shape, const Component& c)

@@ -29,6 +29,7 @@ bool MeshBody::reset(Ref<Buffer<float>> points, Ref<Topology> topology)
     uvSets_ = make<UVSets>();
     colorSets_ = make<ColorSets>();
     hard_ = nullptr;
+    hardCorners_ = nullptr;
     locked_ = nullptr;
     return true;
 }
@@ -40,6 +41,7 @@ void MeshBody::assign(const MeshBody& o, bool withGroups)
     uvSets_ = o.uvSets_;
     colorSets_ = o.colorSets_;
     hard_ = o.hard_;
+    hardCorners_ = o.hardCorners_;
     locked_ = o.locked_;
     surface_ = o.surface_;
     shading_ = o.shading_;
@@ -116,6 +118,7 @@ bool MeshBody::append(const float* newPoints, int newVertices, const int* face, 
     if (!topology)
         return false;
     dropSurface();
+    hardByEdge();
     for (UVSet& s : detach(uvSets_).sets) {
         s.derived = make<UVSet::Tables>();
         if (s.ids)
@@ -168,11 +171,30 @@ void MeshBody::bounds(float box[6]) const
         }
 }
 
+const Buffer<uint8_t>& MeshBody::hardOfCorners() const
+{
+    return hardCorners_->edges.get([this] {
+        auto flags = make<Buffer<uint8_t>>(size_t(edgeCount()), uint8_t(0));
+        for (size_t c = 0; c < hardCorners_->corners.size(); ++c)
+            (*flags)[size_t(topology_->edges().ofCorner[c])] |= hardCorners_->corners[c];
+        return flags;
+    });
+}
+
+void MeshBody::hardByEdge()
+{
+    if (!hardCorners_)
+        return;
+    hard_ = make<Buffer<uint8_t>>(hardOfCorners());
+    hardCorners_ = nullptr;
+}
+
 void MeshBody::setEdgeSmooth(int edge, bool smooth)
 {
     if (edgeSmooth(edge) == smooth)
         return;
     dropShading();
+    hardByEdge();
     if (!hard_)
         hard_ = make<Buffer<uint8_t>>(size_t(edgeCount()), uint8_t(0));
     detach(hard_)[edge] = !smooth;
@@ -181,7 +203,15 @@ void MeshBody::setEdgeSmooth(int edge, bool smooth)
 void MeshBody::setAllEdges(bool smooth)
 {
     dropShading();
+    hardCorners_ = nullptr;
     hard_ = smooth ? Ref<Buffer<uint8_t>>() : make<Buffer<uint8_t>>(size_t(edgeCount()), uint8_t(1));
+}
+
+void MeshBody::setHardCorners(Ref<HardCorners> flags)
+{
+    dropShading();
+    hard_ = nullptr;
+    hardCorners_ = std::move(flags);
 }
 
 bool MeshBody::normalLocked(int corner) const

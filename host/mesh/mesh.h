@@ -103,6 +103,14 @@ struct LockedNormals : Counted<LockedNormals>
     Buffer<uint8_t> vertexLocked, cornerLocked;
 };
 
+/// Hard edges as faces tell them, for makers of meshes that number no edges: one flag a corner, for the edge that starts
+/// there. An edge is hard if one of its corners says so; all of them should.
+struct HardCorners : Counted<HardCorners>
+{
+    Buffer<uint8_t>       corners;
+    Lazy<Buffer<uint8_t>> edges;   ///< the same by edge
+};
+
 /// Normal of a face with the area of its projection as length.
 Vec3 areaVector(const Topology& topology, const float* points, int face);
 
@@ -160,11 +168,23 @@ public:
     void bounds(float box[6]) const;
 
     // edges; smooth unless set hard
-    bool edgeSmooth(int edge) const { return !hard_ || !(*hard_)[edge]; }
-    bool anyHard() const { return bool(hard_); }
+    bool edgeSmooth(int edge) const
+    {
+        const Buffer<uint8_t>* hard = hardEdges();
+        return !hard || !(*hard)[edge];
+    }
+    bool anyHard() const { return hard_ || hardCorners_; }
     void setEdgeSmooth(int edge, bool smooth);
     void setAllEdges(bool smooth);
-    const Ref<Buffer<uint8_t>>& hardEdges() const { return hard_; }   ///< one flag an edge; null if all are smooth
+    /// True if the edge that starts at a corner is hard.
+    bool cornerHard(int corner) const
+    {
+        return hardCorners_ ? hardCorners_->corners[corner] : hard_ && (*hard_)[topology_->edges().ofCorner[corner]];
+    }
+    /// All edges by the corners they start at, one flag a corner: hard if one says so. Null: all are smooth.
+    void setHardCorners(Ref<HardCorners> flags);
+    /// One flag an edge; null if all are smooth.
+    const Buffer<uint8_t>* hardEdges() const { return hardCorners_ ? &hardOfCorners() : hard_.get(); }
 
     // locked normals, in object space
     const LockedNormals* locked() const { return locked_.get(); }
@@ -198,6 +218,7 @@ public:
     bool assignColors(int set, Ref<Buffer<int>> ids);
 
 private:
+    friend struct MeshRebuild;
     struct Surface : Counted<Surface>
     {
         Lazy<Buffer<F3>>  faceNormals, vertexNormals, vertexNormalsWeighted;
@@ -236,12 +257,15 @@ private:
     Ref<Buffer<F3>>    vertexNormalsWithLocks(bool angleWeighted) const;
     Ref<Tangents>      buildTangents(const UVSet& set) const;
     void toCornerColors(ColorSet& set);
+    const Buffer<uint8_t>& hardOfCorners() const;
+    void hardByEdge();   // before edges change one by one
 
     Ref<Buffer<float>>   points_;
     Ref<Topology>        topology_;
     Ref<UVSets>          uvSets_;
     Ref<ColorSets>       colorSets_;
-    Ref<Buffer<uint8_t>> hard_;
+    Ref<Buffer<uint8_t>> hard_;          // at most one of the two
+    Ref<HardCorners>     hardCorners_;
     Ref<LockedNormals>   locked_;
     // all bodies that share one of these share all parts that it follows from
     mutable Ref<Surface>      surface_;

@@ -143,7 +143,7 @@ Ref<CornerNormals> MeshBody::buildCornerNormals() const
     const Topology& t = *topology_;
     auto result = make<CornerNormals>();
     result->ids.resize(size_t(t.cornerCount()));
-    if (!hard_ && !locked_) {   // one normal a vertex
+    if (!anyHard() && !locked_) {   // one normal a vertex
         const Buffer<F3>& n = vertexNormals(true);
         result->table.resize(n.size());
         std::copy(n.begin(), n.end(), result->table.begin());

@@ -13,7 +13,9 @@
 #include "mesh/mesh.h"
 #include "nodes/attr.h"
 #include "nodes/builtin.h"
+#include "nodes/pass_on.h"
 #include "nodes/poly_edit.h"
+#include "nodes/poly_modifier.h"
 #include "nurbs/nurbs_data.h"
 
 namespace mirk::nodes {
@@ -64,16 +66,12 @@ public:
     {
         if (plug != aOutput)
             return MS::kUnknownParameter;
-        MDataHandle out = block.outputValue(aOutput);
-        out.copy(block.inputValue(aInput));
-        out.setClean();
-        if (block.inputValue(state).asShort() != 0)
+        auto* data = passOn<GeometryData>(block, aInput, aOutput);
+        if (!data)
             return MS::kSuccess;
         MMatrix m = block.inputValue(aMatrix).asMatrix();
         if (block.inputValue(aInvert).asBool())
             m = m.inverse();
-        HandleAccess::detachForWrite(out);
-        Object* data = HandleAccess::data(out);
         if (auto* mesh = dynamic_cast<MeshData*>(data))
             moveBody(*mesh->body, m);
         else if (auto* curve = dynamic_cast<CurveData*>(data))
@@ -91,49 +89,32 @@ private:
     static inline MObject aInput, aMatrix, aInvert, aOutput;
 };
 
-class PolyTweak final : public MPxNode
+class PolyTweak final : public PolyModifier
 {
 public:
     static void*   creator() { return new PolyTweak; }
     static MStatus initialize()
     {
-        aInput = typed("inputPolymesh", "ip", MFnData::kMesh, kHide | kNoStore);
         aTweak = triple("tweak", "tk", Number::kFloat, 0, kMulti);
-        aOutput = typed("output", "out", MFnData::kMesh, kOut | kHide);
-        add({number("useOldPolyArchitecture", "uopa", Number::kBoolean), aInput, aTweak, aOutput});
-        affects({aInput, aTweak, state}, {aOutput});
-        for (unsigned i = 0; i < 3; ++i)
-            affects({childOf(aTweak, i)}, {aOutput});
+        parameters({aTweak});
         return MS::kSuccess;
-    }
-    MStatus compute(const MPlug& plug, MDataBlock& block) override
-    {
-        if (plug != aOutput)
-            return MS::kUnknownParameter;
-        MDataHandle out = block.outputValue(aOutput);
-        out.copy(block.inputValue(aInput));
-        out.setClean();
-        auto* mesh = dynamic_cast<MeshData*>(HandleAccess::data(out));
-        Cell& tweaks = *HandleAccess::node(block)->cell(objectAs<Attribute>(aTweak));
-        eval::pullDeep(tweaks);
-        if (!mesh || tweaks.elementCount() == 0 || block.inputValue(state).asShort() != 0)
-            return MS::kSuccess;
-        HandleAccess::detachForWrite(out);
-        mesh = dynamic_cast<MeshData*>(HandleAccess::data(out));
-        float* points = mesh->body->writePoints();
-        for (Cell* t : tweaks.elements->cells)
-            if (t->index < mesh->body->vertexCount())
-                for (int k = 0; k < 3; ++k)
-                    points[3 * size_t(t->index) + size_t(k)] += float(t->number(k));
-        return MS::kSuccess;
-    }
-    MPlug passThroughToOne(const MPlug& plug) const override
-    {
-        return plug == aInput ? MPlug(thisMObject(), aOutput) : plug == aOutput ? MPlug(thisMObject(), aInput) : MPlug();
     }
 
 private:
-    static inline MObject aInput, aTweak, aOutput;
+    void apply(MeshBody& mesh, const ComponentListData*, MDataBlock& block) override
+    {
+        Cell& tweaks = *HandleAccess::node(block)->cell(objectAs<Attribute>(aTweak));
+        eval::pullDeep(tweaks);
+        if (tweaks.elementCount() == 0)
+            return;
+        float* points = mesh.writePoints();
+        for (Cell* t : tweaks.elements->cells)
+            if (t->index < mesh.vertexCount())
+                for (int k = 0; k < 3; ++k)
+                    points[3 * size_t(t->index) + size_t(k)] += float(t->number(k));
+    }
+
+    static inline MObject aTweak;
 };
 
 }  // namespace
@@ -141,7 +122,7 @@ private:
 void registerGeometryEdits()
 {
     registerRow({"transformGeometry", "node", 0x54474D54, MFn::kTransformGeometry, TransformGeometry::creator, TransformGeometry::initialize});
-    registerRow({"polyTweak", "node", 0x50545754, MFn::kPolyTweak, PolyTweak::creator, PolyTweak::initialize});
+    registerModifier<PolyTweak>("polyTweak", 0x50545754, MFn::kPolyTweak);
 }
 
 }  // namespace mirk::nodes

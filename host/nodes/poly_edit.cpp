@@ -3,89 +3,11 @@
 #include <cmath>
 #include <set>
 
-#include "data/component.h"
+#include "mesh/elements.h"
 
 namespace mirk::nodes {
 
 namespace {
-
-/// Elements of one component that the mesh has.
-std::vector<int> elements(const Component& c, int count)
-{
-    std::vector<int> out;
-    if (c.complete && c.indices.empty())
-        for (int i = 0; i < count; ++i)
-            out.push_back(i);
-    else
-        for (int i : c.indices)
-            if (i >= 0 && i < count)
-                out.push_back(i);
-    return out;
-}
-
-/// A set of indices below a bound, taken out in order.
-class IndexSet
-{
-public:
-    explicit IndexSet(int bound) : in_(size_t(bound), 0) {}
-    void insert(int i) { in_[size_t(i)] = 1; }
-    template <class It> void insert(It first, It last)
-    {
-        for (; first != last; ++first)
-            insert(*first);
-    }
-    bool             has(int i) const { return in_[size_t(i)]; }
-    std::vector<int> sorted() const
-    {
-        std::vector<int> out;
-        for (size_t i = 0; i < in_.size(); ++i)
-            if (in_[i])
-                out.push_back(int(i));
-        return out;
-    }
-
-private:
-    std::vector<char> in_;
-};
-
-/// Corners that components stand for, each once: of vertices, faces, edges and vertex-faces.
-std::vector<int> corners(const MeshBody& mesh, const ComponentListData* list)
-{
-    const Topology& t = mesh.topology();
-    IndexSet        out(t.cornerCount());
-    const auto vertex = [&](int v) { out.insert(t.vertexCorners()[v].begin(), t.vertexCorners()[v].end()); };
-    if (!list)
-        for (int c = 0; c < t.cornerCount(); ++c)
-            out.insert(c);
-    for (size_t i = 0; list && i < list->list.size(); ++i)
-    {
-        const Component& c = *list->list[i];
-        switch (c.apiType())
-        {
-        case MFn::kMeshVertComponent:
-            for (int v : elements(c, t.vertexCount()))
-                vertex(v);
-            break;
-        case MFn::kMeshEdgeComponent:
-            for (int e : elements(c, t.edgeCount()))
-                vertex(t.edges().edges[size_t(e)].a), vertex(t.edges().edges[size_t(e)].b);
-            break;
-        case MFn::kMeshPolygonComponent:
-            for (int f : elements(c, t.faceCount()))
-                for (int corner = t.first(f); corner < t.first(f + 1); ++corner)
-                    out.insert(corner);
-            break;
-        case MFn::kMeshVtxFaceComponent:
-            for (size_t k = 0; k + 1 < c.indices.size(); k += 2)
-                if (c.indices[k + 1] >= 0 && c.indices[k + 1] < t.faceCount())
-                    if (const int corner = t.cornerAt(c.indices[k + 1], c.indices[k]); corner >= 0)
-                        out.insert(corner);
-            break;
-        default: break;
-        }
-    }
-    return out.sorted();
-}
 
 bool wholeVertices(const ComponentListData* list)
 {
@@ -97,7 +19,7 @@ bool wholeVertices(const ComponentListData* list)
 
 std::vector<int> verticesOf(const MeshBody& mesh, const std::vector<int>& cornerList)
 {
-    IndexSet out(mesh.vertexCount());
+    ElementSet out(mesh.vertexCount());
     for (int c : cornerList)
         out.insert(mesh.topology().connects()[size_t(c)]);
     return out.sorted();
@@ -107,14 +29,10 @@ void soften(MeshBody& mesh, const ComponentListData* list, const PolyParameters&
 {
     const Topology& t = mesh.topology();
     const double    limit = p.number[kAngle];
-    IndexSet        edges(t.edgeCount());
-    for (size_t i = 0; list && i < list->list.size(); ++i)
-        if (list->list[i]->apiType() == MFn::kMeshEdgeComponent)
-            for (int e : elements(*list->list[i], t.edgeCount()))
-                edges.insert(e);
+    const ElementSet edges = edgesNamed(mesh, list);
     for (int e = 0; e < t.edgeCount(); ++e)
     {
-        if (list && !edges.has(e))
+        if (!edges.has(e))
             continue;
         const auto sides = t.edgeCorners()[e];
         bool smooth = true;
@@ -135,7 +53,7 @@ void paint(MeshBody& mesh, const ComponentListData* list, const PolyParameters& 
     if (mesh.colorSets().current < 0)
         mesh.writeColorSets().current = mesh.addColorSet("");
     const int              set = mesh.colorSets().current;
-    const std::vector<int> at = corners(mesh, list);
+    const std::vector<int> at = cornersNamed(mesh, list).sorted();
     const ColorSet&        present = mesh.colorSets().sets[size_t(set)];
     std::vector<MColor>    colors;
     for (int c : at)
@@ -168,7 +86,7 @@ void paint(MeshBody& mesh, const ComponentListData* list, const PolyParameters& 
 
 void bend(MeshBody& mesh, const ComponentListData* list, const PolyParameters& p)
 {
-    const std::vector<int> at = corners(mesh, list);
+    const std::vector<int> at = cornersNamed(mesh, list).sorted();
     const int              mode = int(p.number[kNormalMode]);
     if (mode == 2)
     {
@@ -211,7 +129,7 @@ void moveUVs(MeshBody& mesh, const ComponentListData* list, const PolyParameters
         ids.insert(i);
     for (size_t i = 0; list && i < list->list.size(); ++i)
         if (list->list[i]->apiType() == MFn::kMeshMapComponent)
-            for (int e : elements(*list->list[i], count))
+            for (int e : elementsOf(*list->list[i], count))
                 ids.insert(e);
     if (list && ids.empty())
     {
@@ -219,7 +137,7 @@ void moveUVs(MeshBody& mesh, const ComponentListData* list, const PolyParameters
         for (const auto& c : list->list)
             asksForUVs |= c->apiType() == MFn::kMeshMapComponent;
         if (!asksForUVs)
-            for (int c : corners(mesh, list))
+            for (int c : cornersNamed(mesh, list).sorted())
                 if (uv.id(c) >= 0)
                     ids.insert(uv.id(c));
     }

@@ -13,6 +13,7 @@
 #include "nodes/anim_types.h"
 #include "nodes/attr.h"
 #include "nodes/builtin.h"
+#include "nodes/pass_on.h"
 
 namespace mirk::nodes {
 namespace {
@@ -81,26 +82,23 @@ public:
         aRemove = typed("inputRemoveComponent", "irc", MFnData::kComponentList);
         aOutput = typed("outputGeometry", "og", MFnData::kAny, kOut);
         add({aInput, aId, aComponents, aRemove, aOutput});
-        affects({aInput, aId, aComponents, aRemove}, {aOutput});
+        affects({aInput, aId, aComponents, aRemove, state}, {aOutput});
         return MS::kSuccess;
     }
     MStatus compute(const MPlug& plug, MDataBlock& block) override
     {
         if (plug != aOutput)
             return MS::kUnknownParameter;
-        MDataHandle out = block.outputValue(aOutput);
-        out.copy(block.inputValue(aInput));
         const int id = block.inputValue(aId).asInt();
-        if (auto* data = dynamic_cast<GeometryData*>(HandleAccess::data(out)); data && id > 0) {
-            HandleAccess::detachForWrite(out);
-            MFnGeometryData fn(out.data());
-            if (fn.hasObjectGroup(unsigned(id)))
-                fn.removeObjectGroup(unsigned(id));
-            fn.addObjectGroup(unsigned(id));
-            edit(fn, unsigned(id), block.inputValue(aComponents).data(), true);
-            edit(fn, unsigned(id), block.inputValue(aRemove).data(), false);
-        }
-        block.setClean(plug);
+        auto*     data = passOn<GeometryData>(block, aInput, aOutput);
+        if (!data || id <= 0)
+            return MS::kSuccess;
+        MFnGeometryData fn(block.outputValue(aOutput).data());
+        if (fn.hasObjectGroup(unsigned(id)))
+            fn.removeObjectGroup(unsigned(id));
+        fn.addObjectGroup(unsigned(id));
+        edit(fn, unsigned(id), block.inputValue(aComponents).data(), true);
+        edit(fn, unsigned(id), block.inputValue(aRemove).data(), false);
         return MS::kSuccess;
     }
 
