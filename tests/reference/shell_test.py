@@ -69,7 +69,7 @@ def scene(rng):
     points = [point(p, matrix) for p in islands.points]
     node = mc.createNode('shell')
     mc.connectAttr(plug, node + '.inMesh')
-    mode = rng.randrange(2) if hasattr(mc, 'polySelect') else 0
+    mode = rng.randrange(2)
     mc.setAttr(node + '.mode', mode)
     shells = islands.pieces() if mode else islands.uvShells()
     count = len(shells)
