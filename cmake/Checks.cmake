@@ -12,8 +12,7 @@ add_test(NAME plugin.Attributes COMMAND mirk run "${CMAKE_SOURCE_DIR}/tests/plug
 
 # random scenes against slow models in Python; MIRK_SEEDS=0-9999 in the environment runs these many
 foreach(node boundingObject attributeTransfer multiAttributeTransfer componentGroup converters
-             copier
-             scatter)
+             cocoon copier scatter shell)
   add_test(NAME reference.${node} COMMAND mirk run "${CMAKE_SOURCE_DIR}/tests/reference/${node}_test.py")
 endforeach()
 
