@@ -82,6 +82,7 @@ void registerDagCommands();
 void registerTransformCommands();
 void registerPolyCommands();
 void registerMeshEditCommands();
+void registerPolyCutCommands();
 void registerNurbsCommands();
 void registerSceneCommands();
 void registerTimeCommands();

@@ -18,6 +18,7 @@ void registerCommands()
     registerTransformCommands();
     registerPolyCommands();
     registerMeshEditCommands();
+    registerPolyCutCommands();
     registerNurbsCommands();
     registerSceneCommands();
     registerTimeCommands();

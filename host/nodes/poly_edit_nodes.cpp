@@ -4,6 +4,7 @@
 #include <maya/MString.h>
 
 #include "graph/access.h"
+#include "nodes/poly_cut.h"
 #include "nodes/poly_edit.h"
 #include "nodes/poly_modifier.h"
 
@@ -66,6 +67,7 @@ void registerPolyEdits()
     registerOne<uvEdit>();
     registerOne<setEdit>();
     registerGeometryEdits();
+    registerPolyCuts();
 }
 
 }  // namespace mirk::nodes
