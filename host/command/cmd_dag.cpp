@@ -111,6 +111,42 @@ Value group(Call& call)
     return Value(nodeName(*node));
 }
 
+constexpr Flag kUngroup[] = {{"a", "absolute"}, {"p", "parent", "s"}, {"r", "relative"}, {"w", "world"}};
+
+Value ungroup(Call& call)
+{
+    const std::vector<Item> groups = callItems(call);
+    if (groups.empty())
+        fail("ungroup: no group is given or selected");
+    Node* given = call.has("parent") ? &oneNode(call.str("parent")) : nullptr;
+    if (given && !isTransform(*given))
+        fail("'" + nodeName(*given) + "' is no transform: nothing can be parented to it");
+    for (const Item& g : groups)
+    {
+        Node* node = nodeOf(g);
+        if (!node || !isTransform(*node) || node->dag->children.empty())
+            fail("'" + itemName(g) + "' is no group");
+        for (Node* child : node->dag->children)
+            if (!isTransform(*child))
+                fail("'" + itemName(g) + "' holds the shape '" + nodeName(*child) + "' and cannot be ungrouped");
+    }
+    std::vector<Item> freed;
+    for (const Item& g : groups)
+    {
+        Node& to = given ? *given : call.has("world") || !parentOf(g) ? dag::world() : *parentOf(g);
+        for (Node* child : std::vector<Node*>(nodeOf(g)->dag->children))
+        {
+            Path path = g.path;
+            path.nodes.emplace_back(child);
+            place(itemOf(path), to, call.has("relative"));
+            freed.push_back(itemOf(*child));
+        }
+        dag::deleteNode(*nodeOf(g));
+    }
+    selection::set(freed);
+    return {};
+}
+
 constexpr Flag kDuplicate[] = {
     {"n", "name", "s"}, {"ic", "inputConnections"}, {"ilf", "instanceLeaf"}, {"po", "parentOnly"}, {"rr", "returnRootsOnly"}, {"rc", "renameChildren"},
     {"st", "smartTransform"}, {"un", "upstreamNodes"},
@@ -340,7 +376,7 @@ Value reorder(Call& call)
 }
 
 const Command kCommands[] = {
-    {"parent", kParent, parent},       {"group", kGroup, group},       {"duplicate", kDuplicate, duplicate},
+    {"parent", kParent, parent},       {"group", kGroup, group},       {"ungroup", kUngroup, ungroup}, {"duplicate", kDuplicate, duplicate},
     {"instance", kInstance, instance}, {"reorder", kReorder, reorder},
 };
 

@@ -339,27 +339,6 @@ constexpr Flag kEvaluate[] = {
     {"uve", "uvSets"},
 };
 
-int shellCount(const Topology& t)
-{
-    std::vector<int> root(size_t(t.vertexCount()));
-    for (size_t i = 0; i < root.size(); ++i)
-        root[i] = int(i);
-    const auto find = [&](int v) {
-        while (root[size_t(v)] != v)
-            v = root[size_t(v)] = root[size_t(root[size_t(v)])];
-        return v;
-    };
-    for (int f = 0; f < t.faceCount(); ++f)
-        for (int v : t.face(f))
-            root[size_t(find(v))] = find(t.face(f)[0]);
-    std::vector<bool> used(root.size());
-    int               count = 0;
-    for (int f = 0; f < t.faceCount(); ++f)
-        if (const int r = find(t.face(f)[0]); !used[size_t(r)])
-            used[size_t(r)] = true, ++count;
-    return count;
-}
-
 double areaOf(const MeshBody& mesh, const double (*m)[4])
 {
     double sum = 0;
@@ -407,7 +386,7 @@ Value evaluate(Call& call)
         uvs += int(body.uvSets().sets[size_t(set)].uvs->size());
         triangles += body.cornerCount() - 2 * body.faceCount();
         if (call.has("shell") || call.uses.empty())
-            shells += shellCount(body.topology());
+            shells += body.topology().shells().count();
         if (call.has("area") || call.has("worldArea"))
         {
             double m[4][4];

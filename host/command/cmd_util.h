@@ -82,6 +82,7 @@ void registerDagCommands();
 void registerTransformCommands();
 void registerPolyCommands();
 void registerMeshEditCommands();
+void registerPolyOperationCommands();
 void registerPolyCutCommands();
 void registerNurbsCommands();
 void registerSceneCommands();

@@ -18,6 +18,7 @@ void registerCommands()
     registerTransformCommands();
     registerPolyCommands();
     registerMeshEditCommands();
+    registerPolyOperationCommands();
     registerPolyCutCommands();
     registerNurbsCommands();
     registerSceneCommands();

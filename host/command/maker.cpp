@@ -31,29 +31,6 @@ Node& makerOf(const Call& call, const Maker& maker)
     fail(std::string(call.command->name) + ": no node of type " + maker.nodeType + " is given");
 }
 
-void setFromFlags(const Call& call, const Maker& maker, Node& node)
-{
-    for (const Call::Use& use : call.uses)
-        for (const MakerFlag& f : maker.flags)
-            if (std::strcmp(f.flag, use.flag->longName) == 0 && !use.args.empty())
-            {
-                const Attribute* a = node.findAttribute(f.attribute);
-                Cell* cell = a ? node.cell(a) : nullptr;
-                if (!cell)
-                    fail(std::string("The attribute '") + f.attribute + "' of '" + nodeName(node) + "' is missing");
-                for (size_t k = 0; k < use.args.size(); ++k)
-                {
-                    Cell* leaf = use.args.size() > 1 ? cell->child(k) : cell;
-                    double v = fromUi(*leaf->attr, use.args[k].asFloat());
-                    if (leaf->attr->limits & Attribute::kMin)
-                        v = std::max(v, leaf->attr->min);
-                    if (leaf->attr->limits & Attribute::kMax)
-                        v = std::min(v, leaf->attr->max);
-                    edit::setNumber(*leaf, v);
-                }
-            }
-}
-
 Value queryFlag(Call& call, const Maker& maker)
 {
     Node& node = makerOf(call, maker);
@@ -76,6 +53,29 @@ Value queryFlag(Call& call, const Maker& maker)
 }
 
 }  // namespace
+
+void setFromFlags(const Call& call, const Maker& maker, Node& node)
+{
+    for (const Call::Use& use : call.uses)
+        for (const MakerFlag& f : maker.flags)
+            if (std::strcmp(f.flag, use.flag->longName) == 0 && !use.args.empty())
+            {
+                const Attribute* a = node.findAttribute(f.attribute);
+                Cell* cell = a ? node.cell(a) : nullptr;
+                if (!cell)
+                    fail(std::string("The attribute '") + f.attribute + "' of '" + nodeName(node) + "' is missing");
+                for (size_t k = 0; k < use.args.size(); ++k)
+                {
+                    Cell* leaf = use.args.size() > 1 ? cell->child(k) : cell;
+                    double v = fromUi(*leaf->attr, use.args[k].asFloat());
+                    if (leaf->attr->limits & Attribute::kMin)
+                        v = std::max(v, leaf->attr->min);
+                    if (leaf->attr->limits & Attribute::kMax)
+                        v = std::min(v, leaf->attr->max);
+                    edit::setNumber(*leaf, v);
+                }
+            }
+}
 
 namespace {
 
@@ -116,7 +116,8 @@ Value made(Node& transform, Node& node, bool history)
     return Value(Strings{nodeName(transform)});
 }
 
-/// True if the call only edits or asks; `result` is its answer then.
+}  // namespace
+
 bool isNoCreation(Call& call, const Maker& maker, Value& result)
 {
     if (call.isQuery())
@@ -126,8 +127,6 @@ bool isNoCreation(Call& call, const Maker& maker, Value& result)
     setFromFlags(call, maker, makerOf(call, maker));
     return result = Value(true), true;
 }
-
-}  // namespace
 
 Value runMaker(Call& call, const Maker& maker)
 {

@@ -17,6 +17,11 @@ struct Maker
     std::span<const MakerFlag> flags;
 };
 
+/// Sets the attributes of a node from the flags given, within their limits.
+void  setFromFlags(const Call& call, const Maker& maker, Node& node);
+/// True if the call only edits or asks about the node behind what is named; `result` is its answer then.
+bool  isNoCreation(Call& call, const Maker& maker, Value& result);
+
 /// Create: returns the transform and the maker (alone without history). Edit and query work on the maker of the object.
 Value runMaker(Call& call, const Maker& maker);
 /// The same for a node with several outputs (`output`, then with the numbers 1 ...): each part gets a transform of its

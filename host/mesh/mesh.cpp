@@ -207,6 +207,13 @@ void MeshBody::setAllEdges(bool smooth)
     hard_ = smooth ? Ref<Buffer<uint8_t>>() : make<Buffer<uint8_t>>(size_t(edgeCount()), uint8_t(1));
 }
 
+void MeshBody::setHardCorners(Ref<HardCorners> flags)
+{
+    dropShading();
+    hard_ = nullptr;
+    hardCorners_ = std::move(flags);
+}
+
 bool MeshBody::normalLocked(int corner) const
 {
     if (!locked_)

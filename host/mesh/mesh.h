@@ -176,6 +176,13 @@ public:
     bool anyHard() const { return hard_ || hardCorners_; }
     void setEdgeSmooth(int edge, bool smooth);
     void setAllEdges(bool smooth);
+    /// True if the edge that starts at a corner is hard.
+    bool cornerHard(int corner) const
+    {
+        return hardCorners_ ? hardCorners_->corners[corner] : hard_ && (*hard_)[topology_->edges().ofCorner[corner]];
+    }
+    /// All edges by the corners they start at, one flag a corner: hard if one says so. Null: all are smooth.
+    void setHardCorners(Ref<HardCorners> flags);
     /// One flag an edge; null if all are smooth.
     const Buffer<uint8_t>* hardEdges() const { return hardCorners_ ? &hardOfCorners() : hard_.get(); }
 

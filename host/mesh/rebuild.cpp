@@ -220,12 +220,6 @@ struct MeshRebuild
         to.locked_ = std::move(l);
     }
 
-    bool hard(int oldCorner) const
-    {
-        return old.hardCorners_ ? old.hardCorners_->corners[size_t(oldCorner)]
-                                : (*old.hard_)[size_t(old.topology().edges().ofCorner[size_t(oldCorner)])];
-    }
-
     void hardEdges()
     {
         if (!old.anyHard() && plan.hard.empty())
@@ -240,9 +234,9 @@ struct MeshRebuild
             std::copy_n(old.hardCorners_->corners.data(), plan.keptCorners, flags);
         else
             for (int c = 0; c < plan.keptCorners; ++c)
-                flags[c] = hard(c);
+                flags[c] = old.cornerHard(c);
         for (size_t i = 0; old.anyHard() && i < plan.edgeSource.size(); ++i)
-            flags[size_t(plan.keptCorners) + i] = plan.edgeSource[i] >= 0 && hard(plan.edgeSource[i]);
+            flags[size_t(plan.keptCorners) + i] = plan.edgeSource[i] >= 0 && old.cornerHard(plan.edgeSource[i]);
         for (int c : plan.hard)
             flags[c] = 1;
         for (size_t c = 0; c < corners.size(); ++c)

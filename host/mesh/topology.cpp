@@ -191,6 +191,36 @@ const Buffer<int>& Topology::border() const
     });
 }
 
+const FaceShells& Topology::shells() const
+{
+    return shells_.get([this] {
+        const size_t n = size_t(vertexCount_);
+        Buffer<int>  root(n), number(n, -1);
+        for (size_t v = 0; v < n; ++v)
+            root[v] = int(v);
+        const auto find = [&root](int v) {
+            while (root[size_t(v)] != v)
+                v = root[size_t(v)] = root[size_t(root[size_t(v)])];
+            return v;
+        };
+        for (int f = 0; f < faceCount(); ++f)
+            for (int v : face(f))
+                root[size_t(find(v))] = find(face(f)[0]);
+        auto shells = make<FaceShells>();
+        int  count = 0;
+        shells->ofFace.resize(size_t(faceCount()));
+        for (int f = 0; f < faceCount(); ++f) {
+            int& n = number[size_t(find(face(f)[0]))];
+            if (n < 0)
+                n = count++;
+            shells->ofFace[size_t(f)] = n;
+        }
+        const Buffer<int>& ofFace = shells->ofFace;
+        shells->faces = listsByKey(count, ofFace.size(), 1, [&ofFace](size_t f, int) { return ofFace[f]; });
+        return shells;
+    });
+}
+
 int Topology::edgeBetween(int a, int b) const
 {
     if (a < 0 || a >= vertexCount_)

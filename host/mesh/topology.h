@@ -32,6 +32,14 @@ struct EdgeTable : Counted<EdgeTable>
     int count() const { return static_cast<int>(edges.size()); }
 };
 
+/// Pieces of faces that hang together by shared vertices, numbered by their first faces.
+struct FaceShells : Counted<FaceShells>
+{
+    Buffer<int> ofFace;
+    Ref<Lists>  faces;   ///< of each shell, ascending
+    int count() const { return faces->count(); }
+};
+
 class Topology : public Counted<Topology>
 {
 public:
@@ -62,6 +70,7 @@ public:
     const Lists&       vertexCorners() const;  ///< ascending
     const Lists&       vertexEdges() const;    ///< ascending
     const Lists&       edgeCorners() const;    ///< ascending; one a face that has the edge
+    const FaceShells&  shells() const;
     int edgeCount() const { return edges().count(); }
     /// The edge between two vertices; -1 if there is none.
     int  edgeBetween(int a, int b) const;
@@ -79,6 +88,7 @@ private:
     Lazy<EdgeTable>   edges_;
     Lazy<Buffer<int>> cornerFaces_, border_;
     Lazy<Lists>       vertexCorners_, vertexEdges_, edgeCorners_;
+    Lazy<FaceShells>  shells_;
 };
 
 /// Triangles of the faces: face f has those from `first(f) - 2 f` on, faceSize - 2 of them, three corners each.

@@ -48,5 +48,7 @@ const PolyEdit& setEdit();
 void registerPolyEdits();
 /// transformGeometry and polyTweak, of which registerPolyEdits takes care.
 void registerGeometryEdits();
+/// polyMergeVert, polyUnite and the others that change vertices and faces, of which registerPolyEdits takes care.
+void registerPolyOperations();
 
 }  // namespace mirk::nodes

@@ -67,6 +67,7 @@ void registerPolyEdits()
     registerOne<uvEdit>();
     registerOne<setEdit>();
     registerGeometryEdits();
+    registerPolyOperations();
     registerPolyCuts();
 }
 
