@@ -11,7 +11,8 @@ add_test(NAME check.NodeTable
 add_test(NAME plugin.Attributes COMMAND mirk run "${CMAKE_SOURCE_DIR}/tests/plugin/attributes_test.py")
 
 # random scenes against slow models in Python; MIRK_SEEDS=0-9999 in the environment runs these many
-foreach(node boundingObject attributeTransfer multiAttributeTransfer componentGroup converters)
+foreach(node boundingObject attributeTransfer multiAttributeTransfer componentGroup converters
+             scatter)
   add_test(NAME reference.${node} COMMAND mirk run "${CMAKE_SOURCE_DIR}/tests/reference/${node}_test.py")
 endforeach()
 

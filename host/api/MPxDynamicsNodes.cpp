@@ -6,6 +6,7 @@
 #include <maya/MArrayDataHandle.h>
 #include <maya/MDataBlock.h>
 #include <maya/MDataHandle.h>
+#include <maya/MDynamicsUtil.h>
 #include <maya/MPxFieldNode.h>
 #include <maya/MPxFluidEmitterNode.h>
 #include <maya/MPxManipContainer.h>
@@ -182,6 +183,12 @@ MPoint MPxEmitterNode::getWorldPosition() const
 {
     const MMatrix m = getWorldMatrix();
     return MPoint(m[3][0], m[3][1], m[3][2]);
+}
+
+MStatus MPxEmitterNode::evalEmission2dTexture(const MObject& texAttr, MDoubleArray& uCoords, MDoubleArray& vCoords,
+                                              MVectorArray* resultColors, MDoubleArray* resultAlphas)
+{
+    return MDynamicsUtil::evalDynamics2dTexture(thisMObject(), texAttr, uCoords, vCoords, resultColors, resultAlphas);
 }
 
 // ---- fluid emitters ----------------------------------------------------------------------------------------------

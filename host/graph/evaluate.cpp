@@ -11,6 +11,7 @@
 #include "graph/access.h"
 #include "graph/context.h"
 #include "graph/deep_stack.h"
+#include "graph/source.h"
 
 namespace mirk::eval {
 namespace {
@@ -368,6 +369,8 @@ void pullTupleChildren(Cell& cell)
 }
 
 }  // namespace
+
+Cell* sourceOf(Cell& cell) { return cell.source ? cell.source : cell.parent ? inheritedSource(cell) : nullptr; }
 
 void askInternalValue(Cell& cell)
 {

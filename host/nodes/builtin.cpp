@@ -14,6 +14,7 @@
 #include "graph/scene.h"
 #include "graph/undo.h"
 #include "nodes/anim_types.h"
+#include "texture/texture_node.h"
 
 namespace mirk {
 namespace nodes {
@@ -120,6 +121,7 @@ void registerBuiltinNodes()
     anim::registerCurveTypes();
     nodes::registerSetTypes();
     dynamics::registerTypes();
+    texture::registerTextureTypes();
     scene().onRemoved = selection::dropNode;
 }
 

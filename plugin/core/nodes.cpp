@@ -31,6 +31,7 @@
 #include "display/registered.h"
 #include "dynamics/registered.h"
 #include "generators/registered.h"
+#include "generators/scatter.h"
 #include "generators/shatter.h"
 #include "spatial/kdTree.h"
 #include "spatial/resolvePointCollisions.h"

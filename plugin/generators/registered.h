@@ -7,14 +7,6 @@
 class bound : public Registered<bound, MPxNode, 0x115757> {};
 class pointCloudToCurve : public Registered<pointCloudToCurve, MPxNode, 0x11575C> {};
 
-class scatter : public Registered<scatter, MPxLocatorNode, 0x115762>
-{
-public:
-    static inline MString drawDbClassification{"drawdb/geometry/scatter"};
-    static inline MString drawRegistrantId{"ScatterNodePlugin"};
-};
-using ScatterDrawOverride = RegisteredOverride<scatter>;
-
 class cage : public Registered<cage, MPxNode, 0x11576C> {};
 class mapToMesh : public Registered<mapToMesh, MPxNode, 0x115772> {};
 class meshToMap : public Registered<meshToMap, MPxNode, 0x115773> {};

@@ -6,6 +6,8 @@
 #include <maya/MTime.h>
 
 class MDagPath;
+class MDoubleArray;
+class MVectorArray;
 
 /// Base of user-defined particle emitters.
 class MPxEmitterNode : public MPxNode
@@ -37,6 +39,9 @@ public:
     double  getMaxDistance(MDataBlock& block);
     MPoint  getWorldPosition() const;
     MMatrix getWorldMatrix() const;
+    /// What drives the node's attribute at each (u, v), as MDynamicsUtil::evalDynamics2dTexture gives it.
+    MStatus evalEmission2dTexture(const MObject& texAttr, MDoubleArray& uCoords, MDoubleArray& vCoords,
+                                  MVectorArray* resultColors, MDoubleArray* resultAlphas);
 
     static MObject mOutput, mEmitterType, mRate, mSpeed, mMinDistance, mMaxDistance, mInheritFactor, mIsFull, mStartTime,
         mSeed, mRandState, mRandState0, mRandState1, mRandState2, mSweptGeometry, mOwnerPosData, mOwnerVelData,
