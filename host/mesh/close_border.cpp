@@ -44,15 +44,17 @@ private:
     struct Start { int vertex, edge; };
     struct Vertex { int vertex, next, place; };   ///< next start to try; place on the path, -1 for none
 
-    Vertex* find(int vertex)
+    /// Place in vertices_; -1 for a vertex where no edge begins.
+    int find(int vertex) const
     {
-        Vertex* v = std::lower_bound(vertices_.begin(), vertices_.end(), vertex, [](const Vertex& a, int b) { return a.vertex < b; });
-        return v != vertices_.end() && v->vertex == vertex ? v : nullptr;
+        const Vertex* v = std::lower_bound(vertices_.begin(), vertices_.end(), vertex, [](const Vertex& a, int b) { return a.vertex < b; });
+        return v != vertices_.end() && v->vertex == vertex ? int(v - vertices_.begin()) : -1;
     }
-    int nextEdge(Vertex* v)
+    int nextEdge(int at)
     {
-        for (; v && size_t(v->next) < starts_.size() && starts_[size_t(v->next)].vertex == v->vertex; ++v->next)
-            if (const int e = starts_[size_t(v->next)].edge; !used_[size_t(e)])
+        Vertex& v = vertices_[size_t(at)];
+        for (; size_t(v.next) < starts_.size() && starts_[size_t(v.next)].vertex == v.vertex; ++v.next)
+            if (const int e = starts_[size_t(v.next)].edge; !used_[size_t(e)])
                 return e;
         return -1;
     }
@@ -60,36 +62,37 @@ private:
     template <class Loop>
     void walkFrom(int vertex, Loop&& loop)
     {
-        for (Vertex* at = find(vertex);;) {
-            const int e = nextEdge(at);
+        for (int at = find(vertex);;) {
+            const int e = at < 0 ? -1 : nextEdge(at);
             if (e < 0) {
                 if (path_.empty())
                     return;
-                at = find(entered_[path_.size() - 1]);   // a dead end
+                at = entered_[entered_.size() - 1];   // a dead end
                 shorten(path_.size() - 1);
                 continue;
             }
+            const BorderEdge& edge = edges_[size_t(e)];
             used_[size_t(e)] = 1;
-            at->place = int(path_.size());
+            vertices_[size_t(at)].place = int(path_.size());
             path_.push(e);
-            entered_.push(at->vertex);
-            at = find(edges_[size_t(e)].from == at->vertex ? edges_[size_t(e)].to : edges_[size_t(e)].from);
-            if (at && at->place >= 0) {
-                const size_t first = size_t(at->place), size = path_.size() - first;
-                loop(path_.data() + first, entered_.data() + first, size);
-                shorten(first);
-                if (path_.empty())
-                    return;
-            } else if (!at) {
-                at = find(entered_[path_.size() - 1]);
-                shorten(path_.size() - 1);
-            }
+            entered_.push(at);
+            at = find(edge.from == vertices_[size_t(at)].vertex ? edge.to : edge.from);
+            if (at < 0 || vertices_[size_t(at)].place < 0)
+                continue;
+            const size_t first = size_t(vertices_[size_t(at)].place);
+            names_.clear();
+            for (size_t i = first; i < entered_.size(); ++i)
+                names_.push(vertices_[size_t(entered_[i])].vertex);
+            loop(path_.data() + first, names_.data(), names_.size());
+            shorten(first);
+            if (path_.empty())
+                return;
         }
     }
     void shorten(size_t size)
     {
         for (size_t i = size; i < entered_.size(); ++i)
-            find(entered_[i])->place = -1;
+            vertices_[size_t(entered_[i])].place = -1;
         path_.resize(size);
         entered_.resize(size);
     }
@@ -98,7 +101,7 @@ private:
     Buffer<uint8_t>           used_;
     Buffer<Start>             starts_;
     Buffer<Vertex>            vertices_;
-    Buffer<int>               path_, entered_;
+    Buffer<int>               path_, entered_, names_;   // entered_: places of vertices
 };
 
 class Closer
@@ -119,12 +122,18 @@ public:
     }
 
 private:
+    /// A border is short: no table of all corners is made for it.
+    int faceOf(int corner) const
+    {
+        const Buffer<int>& first = t_.offsets();
+        return int(std::upper_bound(first.begin(), first.end(), corner) - first.begin()) - 1;
+    }
+
     void findLoops(const Buffer<int>& border)
     {
-        const Buffer<int>& faces = t_.cornerFaces();
         Buffer<BorderEdge> open;
         for (int c : border) {
-            const int from = t_.connects()[size_t(c)], to = t_.connects()[size_t(t_.next(c, faces[size_t(c)]))];
+            const int from = t_.connects()[size_t(c)], to = t_.connects()[size_t(t_.next(c, faceOf(c)))];
             if (from != to)
                 open.push({from, to, c});
         }
@@ -154,12 +163,12 @@ private:
             along += all[size_t(edges[i])].from == vertices[i] ? 1 : -1;
             named = named || edges_->has(t_.edges().ofCorner[size_t(all[size_t(edges[i])].corner)]);
         }
-        if (size < 3 || !named)
+        if (size < 3 || !named || along == 0)
             return;
         // the new face's corner k lies at loopVertices_; the border edge from there on is loopCorners_
         for (size_t i = 0; i < size; ++i) {
-            loopVertices_.push(along >= 0 ? vertices[(size - i) % size] : vertices[i]);
-            loopCorners_.push(all[size_t(edges[along >= 0 ? size - 1 - i : i])].corner);
+            loopVertices_.push(along > 0 ? vertices[(size - i) % size] : vertices[i]);
+            loopCorners_.push(all[size_t(edges[along > 0 ? size - 1 - i : i])].corner);
         }
         loopSizes_.push(int(size));
     }
@@ -184,7 +193,7 @@ private:
         std::copy(loopCorners_.begin(), loopCorners_.end(), plan_.edgeSource.begin());
         size_t at = 0;
         for (int size : loopSizes_) {
-            plan_.faceSource.push(t_.cornerFaces()[size_t(loopCorners_[at])]);
+            plan_.faceSource.push(faceOf(loopCorners_[at]));
             at += size_t(size);
         }
         for (size_t i = 0; i < added; ++i) {

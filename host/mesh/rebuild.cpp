@@ -1,5 +1,7 @@
 #include "mesh/rebuild.h"
 
+#include <algorithm>
+
 #include "data/component.h"
 
 namespace mirk {
@@ -227,22 +229,27 @@ struct MeshRebuild
         auto h = make<HardCorners>();
         h->corners.resize(corners.size());
         uint8_t* flags = h->corners.data();
-        uint8_t  any = 0;
-        if (!old.anyHard())
-            std::fill(flags, flags + corners.size(), uint8_t(0));
-        else if (plan.keptCorners && old.hardCorners_)
-            std::copy_n(old.hardCorners_->corners.data(), plan.keptCorners, flags);
-        else
-            for (int c = 0; c < plan.keptCorners; ++c)
-                flags[c] = old.cornerHard(c);
-        for (size_t i = 0; old.anyHard() && i < plan.edgeSource.size(); ++i)
-            flags[size_t(plan.keptCorners) + i] = plan.edgeSource[i] >= 0 && old.cornerHard(plan.edgeSource[i]);
+        std::fill(flags, flags + corners.size(), uint8_t(0));
+        if (old.anyHard()) {
+            if (old.hardCorners_)
+                carryHard([from = old.hardCorners_->corners.data()](int c) { return from[c]; }, flags);
+            else
+                carryHard([this, of = old.topology().edges().ofCorner.data()](int c) { return (*old.hard_)[size_t(of[c])]; }, flags);
+        }
         for (int c : plan.hard)
             flags[c] = 1;
-        for (size_t c = 0; c < corners.size(); ++c)
-            any |= flags[c];
-        if (any)
+        if (!plan.hard.empty() || std::find(flags, flags + corners.size(), uint8_t(1)) != flags + corners.size())
             to.hardCorners_ = std::move(h);
+    }
+
+    template <class Hard>
+    void carryHard(Hard&& hard, uint8_t* flags) const
+    {
+        for (int c = 0; c < plan.keptCorners; ++c)
+            flags[c] = hard(c);
+        flags += plan.keptCorners;
+        for (int e : plan.edgeSource)
+            *flags++ = e >= 0 ? hard(e) : uint8_t(0);
     }
 
     void faceMembers(const Component& from, Component& members) const
