@@ -136,5 +136,5 @@ void ScatterSpacing(benchmark::State& state)
 
 } // namespace
 
-BENCHMARK(ScatterRays)->ArgName("mode")->Arg(1)->Arg(0)->Unit(benchmark::kMillisecond)->Iterations(5);
+BENCHMARK(ScatterRays)->ArgName("mode")->Arg(1)->Arg(0)->Unit(benchmark::kMillisecond)->Iterations(25);
 BENCHMARK(ScatterSpacing)->ArgName("throws")->Arg(50000)->Arg(200000)->Arg(800000)->Unit(benchmark::kMillisecond)->Iterations(3);

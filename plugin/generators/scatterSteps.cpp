@@ -54,22 +54,6 @@ bool widenFlat(Box& box)
 
 Draws::Draws(int seed) { initstate_r(static_cast<unsigned int>(seed), numbers_.data(), numbers_.size(), &state_); }
 
-Draws::Draws(const Draws& other) { *this = other; }
-
-Draws& Draws::operator=(const Draws& other)
-{
-    numbers_ = other.numbers_;
-    state_ = other.state_;
-    const auto moved = [&](int32_t* at) {   // the state points into its numbers
-        return reinterpret_cast<int32_t*>(numbers_.data() + (reinterpret_cast<const char*>(at) - other.numbers_.data()));
-    };
-    state_.fptr = moved(other.state_.fptr);
-    state_.rptr = moved(other.state_.rptr);
-    state_.state = moved(other.state_.state);
-    state_.end_ptr = moved(other.state_.end_ptr);
-    return *this;
-}
-
 int Draws::next()
 {
     int32_t number = 0;
@@ -80,9 +64,7 @@ int Draws::next()
 #else
 
 Draws::Draws(int seed) { std::srand(static_cast<unsigned int>(seed)); }
-Draws::Draws(const Draws&) = default;
-Draws& Draws::operator=(const Draws&) = default;
-int    Draws::next() { return std::rand(); }
+int Draws::next() { return std::rand(); }
 
 #endif
 

@@ -37,19 +37,13 @@ struct Box
 bool widenFlat(Box& box);
 
 /// The sequence of srand(seed) and rand(). With the GNU library it is kept without their shared state, so that nobody else
-/// who draws disturbs it; a copy then goes on from the same place.
+/// who draws disturbs it.
 class Draws
 {
 public:
     explicit Draws(int seed);
-    Draws(const Draws& other);
-    Draws& operator=(const Draws& other);
-
-#if defined(__GLIBC__)
-    static constexpr bool kCopies = true;
-#else
-    static constexpr bool kCopies = false;
-#endif
+    Draws(const Draws&) = delete;
+    Draws& operator=(const Draws&) = delete;
 
     int next();
     /// The next number in 0 to 1.
