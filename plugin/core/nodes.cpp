@@ -36,10 +36,7 @@
 #include "generators/registered.h"
 #include "generators/scatter.h"
 #include "generators/shatter.h"
-<<<<<<< HEAD
 #include "generators/shell.h"
-=======
->>>>>>> shatter
 #include "spatial/kdTree.h"
 #include "spatial/resolvePointCollisions.h"
 #include "spatial/shortestPath.h"
