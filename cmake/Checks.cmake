@@ -12,7 +12,7 @@ add_test(NAME plugin.Attributes COMMAND mirk run "${CMAKE_SOURCE_DIR}/tests/plug
 
 # random scenes against slow models in Python; MIRK_SEEDS=0-9999 in the environment runs these many
 foreach(node boundingObject attributeTransfer multiAttributeTransfer componentGroup converters
-             scatter)
+             cocoon copier scatter shell)
   add_test(NAME reference.${node} COMMAND mirk run "${CMAKE_SOURCE_DIR}/tests/reference/${node}_test.py")
 endforeach()
 
@@ -29,6 +29,8 @@ if(EXISTS /usr/share/glmark2/models/bunny.obj)
   set_tests_properties(example.path PROPERTIES ENVIRONMENT "MIRK_PATHS=3")
 endif()
 
+add_test(NAME example.copies COMMAND mirk run "${CMAKE_SOURCE_DIR}/examples/copies.py")
+set_tests_properties(example.copies PROPERTIES ENVIRONMENT "MIRK_BUNNY=none;MIRK_COPIES=400")   # on a sphere
 add_test(NAME example.volumes COMMAND mirk run "${CMAKE_SOURCE_DIR}/examples/volumes.py" --frames 11-13)
 set_tests_properties(example.volumes PROPERTIES ENVIRONMENT "MIRK_BUNNY=none")   # on its small sphere
 

@@ -192,6 +192,17 @@ MIRK_INLINE void walk(const Tree& tree, const Ray& ray, const UnitRay& unit, F l
                 child = n.child[__builtin_ctz(lanes)];
                 continue;
             }
+            const unsigned others = lanes & (lanes - 1);
+            if (!(others & (others - 1))) {   // two: the nearer one at once
+                const int   a = __builtin_ctz(lanes), b = __builtin_ctz(others);
+                const float da = from[a], db = from[b];
+                const bool  second = db < da;
+                const int   next = n.child[second ? b : a], later = n.child[second ? a : b];
+                prefetch(tree, later);
+                stack.push(later, second ? da : db);
+                child = next;
+                continue;
+            }
             stack.push(tree, n, lanes, from);
             child = stack.entry[--stack.size].child;
         }
@@ -227,6 +238,7 @@ bool closestHit(const Tree& tree, const Ray& ray, RayHit& hit)
         for (unsigned lanes = lanesOf(h.valid); lanes; lanes &= lanes - 1) {
             const int lane = __builtin_ctz(lanes);
             if ((h.t[lane] < best || (h.t[lane] == best && b.id[lane] < hit.triangle)) && wanted(ray, b.id[lane])) {
+                tree.prefetchFace(b.id[lane]);
                 take(hit, h, b, lane, unit.length);
                 best = tMax = h.t[lane];
             }

@@ -6,8 +6,6 @@
 
 namespace mirk::query {
 
-bool finite(const double p[3]) { return std::isfinite(p[0]) && std::isfinite(p[1]) && std::isfinite(p[2]); }
-
 const int* triangleCorners(const MeshBody& body, int triangle) { return body.triangles().data() + 3 * size_t(triangle); }
 
 void trianglePoints(const MeshBody& body, int triangle, Vec3 v[3])

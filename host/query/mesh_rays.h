@@ -1,5 +1,6 @@
 // Rays and closest points in the space that a caller asks for, over one mesh.
 #pragma once
+#include <cmath>
 #include <vector>
 
 #include <maya/MIntArray.h>
@@ -39,7 +40,7 @@ public:
     void point(const RayHit& hit, double p[3]) const;
 
 private:
-    const Tree& tree() const { return body_.tree(); }
+    const Tree& tree() const { return tree_ ? *tree_ : *(tree_ = &body_.tree()); }
     bool        listTriangles(const Restriction& to);
     bool        inListed(RayHit& hit, bool first) const;
     bool        oneWay(RayHit& hit, bool first, const Ray& ray) const;
@@ -53,9 +54,10 @@ private:
         bool has(int triangle) const override;
     };
 
-    const MeshBody&    body_;
-    const SpaceMatrix& space_;
-    Ray                ray_;
+    const MeshBody&     body_;
+    const SpaceMatrix&  space_;
+    mutable const Tree* tree_ = nullptr;   // built at the first need
+    Ray                 ray_;
     Restriction        to_;
     SortedFilter       filter_;
     bool               both_ = false, listed_ = false;
@@ -81,6 +83,6 @@ private:
     Metric metric_;
 };
 
-bool finite(const double p[3]);
+inline bool finite(const double p[3]) { return std::isfinite(p[0]) && std::isfinite(p[1]) && std::isfinite(p[2]); }
 
 }  // namespace mirk::query

@@ -1,5 +1,6 @@
 #include "generators/borrowedScene.h"
 
+#include <maya/MFnDagNode.h>
 #include <maya/MGlobal.h>
 #include <maya/MStringArray.h>
 
@@ -51,8 +52,10 @@ MString BorrowedScene::createMesh()
     const MString mesh = createNode("mesh");
     const MString command = "listRelatives -pa -p " + mesh;
     MStringArray  above;
-    if (ok() && (!MGlobal::executeCommand(command, above, false, false) || above.length() != 1 || !temporary(above[0])))
+    if (ok() && (!MGlobal::executeCommand(command, above, false, false) || above.length() != 1 || !temporary(above[0]))) {
+        nodes_.emplace_back(MFnDagNode(nodes_.back().object()).parent(0));   // must go as well
         fail(command);
+    }
     return mesh;
 }
 

@@ -76,7 +76,7 @@ attr::Row positionRamp(int axis)
 {
     const std::string longName = std::string("positionDisplacement") + kAxes[axis][0];
     return attr::curveRamp(cocoon::aPositionDisplacement[axis], longName.c_str(),
-                           (std::string("pd") + kAxes[axis][1]).c_str(), kControl);
+                           (std::string("pd") + kAxes[axis][1]).c_str(), attr::kStored);
 }
 
 /// Adds `count` colours: of an array of doubles, four each, or of vectors with an alpha of 1. What is missing is that of
@@ -187,7 +187,7 @@ MStatus cocoon::initialize()
         flag(aUseInputThickness, "useInputThickness", "uint", true),
         softMax(atLeast(real(aThicknessMultiplier, "thicknessMultiplier", "tm", 1.0), 0.0), 5.0),
         flag(aUseThicknessDisplacement, "useThicknessDisplacement", "utd"),
-        attr::curveRamp(aThicknessDisplacement, "thicknessDisplacement", "td", kControl),
+        attr::curveRamp(aThicknessDisplacement, "thicknessDisplacement", "td", attr::kStored),
         positionFlag(0), positionRamp(0), positionFlag(1), positionRamp(1), positionFlag(2), positionRamp(2),
         real(aMinSurfaceArea, "minSurfaceArea", "mnsa", 0.0),
         real(aMaxSurfaceArea, "maxSurfaceArea", "mxsa", 999999.9f),

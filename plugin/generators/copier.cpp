@@ -38,6 +38,17 @@ int toInt(double value)
     return std::isnan(value) ? 0 : int(std::clamp(value, double(INT_MIN), double(INT_MAX)));
 }
 
+/// By position in the data block. Plugs of their own count those elements first that were evaluated before.
+std::vector<MPlug> elementsOf(MArrayDataHandle& handle, const MPlug& multi)
+{
+    std::vector<MPlug> elements;
+    for (unsigned int e = 0; e < handle.elementCount(); ++e) {
+        handle.jumpToArrayElement(e);
+        elements.push_back(multi.elementByLogicalIndex(handle.elementIndex()));
+    }
+    return elements;
+}
+
 } // namespace
 
 MStatus copier::initialize()
@@ -89,6 +100,8 @@ MStatus copier::compute(const MPlug& plug, MDataBlock& block)
         return MS::kUnknownParameter;
     if (plug == aInstancerData)                                          // plug test: the mesh and what goes with it
         return writeInstancer(block);                                    // are filled in one run
+    if (plug == aComponentList)                                          // there for connections of old scenes
+        return MS::kSuccess;
     if (!isAnyOf(plug, {&aOutMesh, &aCount, &aOutDataPP}))
         return MS::kUnknownParameter;
 
@@ -240,9 +253,9 @@ MPlugArray copier::extractorIndices() const
 {
     MPlugArray  indices;
     const MPlug elements(thisMObject(), aOverride);
-    for (unsigned int e = 0; e < elements.numElements(); ++e) {
+    for (unsigned int e = 0; e < elements.numConnectedElements(); ++e) {
         MPlugArray sources;
-        if (!elements.elementByPhysicalIndex(e).connectedTo(sources, true, false))
+        if (!elements.connectionByPhysicalIndex(e).connectedTo(sources, true, false))
             continue;
         const MFnDependencyNode node(sources[0].node());
         if (node.typeName() == "extractor")
@@ -268,16 +281,16 @@ bool copier::gather(const MPlug& plug, MDataBlock& block, const MMatrixArray& ma
         randomTimeShift(shifts, block);
     MPlugArray extractors = extractorIndices();
 
-    const MPlug                         elements(thisMObject(), aInMesh);
     MArrayDataHandle                    inputs = block.inputArrayValue(aInMesh);
-    std::vector<const copying::Source*> read(inputs.elementCount(), nullptr);
+    const std::vector<MPlug>            elements = elementsOf(inputs, MPlug(thisMObject(), aInMesh));
+    std::vector<const copying::Source*> read(elements.size(), nullptr);
     for (unsigned int i = 0; i < count; ++i) {
         for (unsigned int e = 0; e < extractors.length(); ++e)
             extractors[e].setInt(int(i));
         const int source = copies::sourceOf(indices[i], read.size());
         if (source == copies::kNoSource || (skip && copies::lacksSurface(matrices[i].matrix)))
             continue;
-        const MPlug element = elements.elementByPhysicalIndex(unsigned(source));
+        const MPlug& element = elements[source];
         if (!element.isConnected())
             continue;
         if (shifted) {

@@ -186,11 +186,9 @@ std::vector<unsigned int> extractor::connectedElements() const
 {
     std::vector<unsigned int> elements;
     const MPlug               inMesh(thisMObject(), aInMesh);
-    for (unsigned int e = 0; e < inMesh.numElements(); ++e) {
-        const MPlug element = inMesh.elementByPhysicalIndex(e);
-        if (element.isConnected())
-            elements.push_back(element.logicalIndex());
-    }
+    for (unsigned int e = 0; e < inMesh.numConnectedElements(); ++e)
+        elements.push_back(inMesh.connectionByPhysicalIndex(e).logicalIndex());
+    std::sort(elements.begin(), elements.end());
     return elements;
 }
 

@@ -5,6 +5,7 @@
 
 class bound : public Registered<bound, MPxNode, 0x115757> {};
 class pointCloudToCurve : public Registered<pointCloudToCurve, MPxNode, 0x11575C> {};
+
 class cage : public Registered<cage, MPxNode, 0x11576C> {};
 class mapToMesh : public Registered<mapToMesh, MPxNode, 0x115772> {};
 class meshToMap : public Registered<meshToMap, MPxNode, 0x115773> {};

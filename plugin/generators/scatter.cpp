@@ -18,7 +18,6 @@
 #include <maya/MVector.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <optional>
 #include <vector>
 
@@ -173,7 +172,8 @@ Rules rulesOf(MDataBlock& block, bool flat)
     return rules;
 }
 
-/// All that the points are made of is read before the generator is seeded: what is evaluated upstream may use it too.
+/// All that the points are made of is read before the first draw: where the generator is shared, what is evaluated
+/// upstream may use it too.
 Cloud scatterPoints(MDataBlock& block, const MObject& node)
 {
     MDataHandle input = block.inputValue(scatter::aInGeo);
@@ -200,9 +200,9 @@ Cloud scatterPoints(MDataBlock& block, const MObject& node)
     const Textures               textures = readTextures(block, node);
     const MeshSurface surface(mesh, data, world, given || (rules.mode != Mode::kSurface && rules.surfaceOffset > 0.0f));
 
-    std::srand(static_cast<unsigned int>(block.inputValue(scatter::aSeed).asInt()));
-    Cloud cloud = throwPoints(surface, RandomAim(box, toMatrix(world)), rules);
-    filterByTextures(textures, node, mesh, cloud);
+    Draws draws(block.inputValue(scatter::aSeed).asInt());
+    Cloud cloud = throwPoints(surface, RandomAim(box, toMatrix(world)), rules, draws);
+    filterByTextures(textures, node, mesh, cloud, draws);
     if (frustum)
         cloud.filter([&](std::size_t i) { return frustum->contains(cloud.points[i]); });
     return cloud;

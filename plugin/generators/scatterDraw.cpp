@@ -12,10 +12,9 @@
 #include <algorithm>
 
 #include "core/arrays.h"
-#include "core/gl.h"
 #include "generators/scatter.h"
 
-#include <GL/glew.h>
+#include <GL/glew.h>   // what OpenGL 1 has needs no loading
 
 /// Nothing is kept from preparing to drawing but that there is something to draw.
 class ScatterData : public MUserData
@@ -74,7 +73,7 @@ struct Shown
 void scatter::draw(M3dView& view, const MDagPath& path, M3dView::DisplayStyle, M3dView::DisplayStatus)
 {
     const Shown shown(thisMObject(), path);
-    if (shown.points.length() == 0 || !gl::ready() || !view.beginGL())
+    if (shown.points.length() == 0 || !view.beginGL())
         return;
     glPushAttrib(GL_CURRENT_BIT | GL_POINT_BIT | GL_ENABLE_BIT);
     glDisable(GL_LIGHTING);

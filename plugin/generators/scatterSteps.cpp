@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
 #if defined(__SSE__)
 #include <xmmintrin.h>
 #endif
@@ -51,7 +50,23 @@ bool widenFlat(Box& box)
     return flat;
 }
 
-float drawUnit() { return static_cast<float>(std::rand()) * 4.656613e-10f; }
+#if defined(__GLIBC__)
+
+Draws::Draws(int seed) { initstate_r(static_cast<unsigned int>(seed), numbers_.data(), numbers_.size(), &state_); }
+
+int Draws::next()
+{
+    int32_t number = 0;
+    random_r(&state_, &number);
+    return number;
+}
+
+#else
+
+Draws::Draws(int seed) { std::srand(static_cast<unsigned int>(seed)); }
+int Draws::next() { return std::rand(); }
+
+#endif
 
 RandomAim::RandomAim(const Box& box, const Matrix& matrix)
 {
@@ -64,13 +79,13 @@ RandomAim::RandomAim(const Box& box, const Matrix& matrix)
             matrix_[i][j] = static_cast<float>(matrix.m[i][j]);
 }
 
-Aim RandomAim::draw() const
+Aim RandomAim::draw(Draws& draws) const
 {
     float p[3], d[3];
     for (int k = 0; k < 3; ++k)
-        p[k] = drawUnit() * size_[k] + low_[k];
+        p[k] = draws.unit() * size_[k] + low_[k];
     for (int k = 0; k < 3; ++k)
-        d[k] = drawUnit() - 0.5f;
+        d[k] = draws.unit() - 0.5f;
     Aim aim;
     for (int k = 0; k < 3; ++k) {
         aim.direction[k] = d[0] * matrix_[0][k] + d[1] * matrix_[1][k] + d[2] * matrix_[2][k];
@@ -182,9 +197,9 @@ bool Spacing::anyWithin(const Float3& point, float distance) const
 
 // ---- textures and camera -------------------------------------------------------------------------------------------
 
-bool keptByColor(const Double3& rgb)
+bool keptByColor(const Double3& rgb, Draws& draws)
 {
-    const double t = std::rand() * 4.656612870908988e-10;
+    const double t = draws.next() * 4.656612870908988e-10;
     return t < rgb.x || t < rgb.y || t < rgb.z;
 }
 

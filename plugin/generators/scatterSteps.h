@@ -1,10 +1,10 @@
-// The small steps of scatter: places and chances drawn from rand(), the spacing of points, projectors and the camera.
+// The small steps of scatter: places and chances drawn in the sequence of rand(), the spacing of points, projectors and the camera.
 // Places are single precision throughout, as the throws are; the order of the draws is part of the result.
 #pragma once
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <limits>
+#include <cstdlib>
 #include <vector>
 
 namespace scatter_ {
@@ -36,8 +36,25 @@ struct Box
 /// Widens the flat dimensions of a box by 1 on each side; true if there was one. Flat is all that is not above 0.0001.
 bool widenFlat(Box& box);
 
-/// The next random number in 0 to 1: one call of rand().
-float drawUnit();
+/// The sequence of srand(seed) and rand(). With the GNU library it is kept without their shared state, so that nobody else
+/// who draws disturbs it.
+class Draws
+{
+public:
+    explicit Draws(int seed);
+    Draws(const Draws&) = delete;
+    Draws& operator=(const Draws&) = delete;
+
+    int next();
+    /// The next number in 0 to 1.
+    float unit() { return static_cast<float>(next()) * 4.656613e-10f; }
+
+private:
+#if defined(__GLIBC__)
+    random_data        state_ = {};
+    std::array<char, 128> numbers_ = {};   ///< the size by which the library's own generator starts
+#endif
+};
 
 /// Where a throw starts and where it goes. The length of the direction is whatever it comes to.
 struct Aim
@@ -50,8 +67,8 @@ class RandomAim
 {
 public:
     RandomAim(const Box& box, const Matrix& matrix);
-    /// Six calls of rand(): x, y, z of the source, then of the direction.
-    Aim draw() const;
+    /// Six numbers: x, y, z of the source, then of the direction.
+    Aim draw(Draws& draws) const;
 
 private:
     float size_[3], low_[3], matrix_[4][4];
@@ -85,8 +102,8 @@ private:
     std::vector<Float3> odd_;       ///< not finite: no order holds them
 };
 
-/// True if a colour keeps its point: one draw that is below red, green or blue.
-bool keptByColor(const Double3& rgb);
+/// True if a colour keeps its point: one number that is below red, green or blue.
+bool keptByColor(const Double3& rgb, Draws& draws);
 
 /// Where a projector sees a point: in its unit square about the origin, x and y, whatever the depth.
 struct ProjectedUv

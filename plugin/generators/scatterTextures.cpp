@@ -54,11 +54,11 @@ public:
         return u_.length() == 0 || (MDynamicsUtil::evalDynamics2dTexture(node, color, u_, v_, &colors_, nullptr) &&
                                     colors_.length() == u_.length());
     }
-    bool keeps(std::size_t point) const
+    bool keeps(std::size_t point, Draws& draws) const
     {
         const MVectorArray& colors = colors_;
         const MVector&      rgb = colors[static_cast<unsigned int>(sampleOf_[point])];
-        return keptByColor({rgb.x, rgb.y, rgb.z});
+        return keptByColor({rgb.x, rgb.y, rgb.z}, draws);
     }
 
 private:
@@ -67,7 +67,7 @@ private:
     MVectorArray     colors_;
 };
 
-void filterByUv(const MString& uvSet, const MObject& node, const MFnMesh& mesh, Cloud& cloud)
+void filterByUv(const MString& uvSet, const MObject& node, const MFnMesh& mesh, Cloud& cloud, Draws& draws)
 {
     const MString* set = uvSet.length() ? &uvSet : nullptr;
     Samples        samples(cloud.points.size());
@@ -79,10 +79,10 @@ void filterByUv(const MString& uvSet, const MObject& node, const MFnMesh& mesh, 
             samples.add(i, uv[0], uv[1]);
     }
     const bool evaluated = samples.evaluate(node, scatter::aTexture.color);
-    cloud.filter([&](std::size_t i) { return samples.has(i) && (!evaluated || samples.keeps(i)); });
+    cloud.filter([&](std::size_t i) { return samples.has(i) && (!evaluated || samples.keeps(i, draws)); });
 }
 
-void filterByProjector(const Projector& projector, const MObject& node, Cloud& cloud)
+void filterByProjector(const Projector& projector, const MObject& node, Cloud& cloud, Draws& draws)
 {
     Samples samples(cloud.points.size());
     for (std::size_t i = 0; projector.sees && i < cloud.points.size(); ++i) {
@@ -92,7 +92,7 @@ void filterByProjector(const Projector& projector, const MObject& node, Cloud& c
     }
     const bool evaluated = samples.evaluate(node, projector.color);
     cloud.filter([&](std::size_t i) {
-        return samples.has(i) ? !evaluated || samples.keeps(i) : !projector.contained;
+        return samples.has(i) ? !evaluated || samples.keeps(i, draws) : !projector.contained;
     });
 }
 
@@ -111,12 +111,12 @@ Textures readTextures(MDataBlock& block, const MObject& node)
     return textures;
 }
 
-void filterByTextures(const Textures& textures, const MObject& node, const MFnMesh& mesh, Cloud& cloud)
+void filterByTextures(const Textures& textures, const MObject& node, const MFnMesh& mesh, Cloud& cloud, Draws& draws)
 {
     if (textures.byUv)
-        filterByUv(textures.uvSet, node, mesh, cloud);
+        filterByUv(textures.uvSet, node, mesh, cloud, draws);
     for (const Projector& projector : textures.projectors)
-        filterByProjector(projector, node, cloud);
+        filterByProjector(projector, node, cloud, draws);
 }
 
 } // namespace scatter_

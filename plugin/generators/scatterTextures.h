@@ -30,8 +30,8 @@ struct Textures
 /// Reads which textures there are; none of them is evaluated.
 Textures readTextures(MDataBlock& block, const MObject& node);
 
-/// Drops points by the textures, one after the other. Random numbers are drawn from rand(): one for each point that a
-/// texture is asked about. A point without UVs where its ray hit is dropped by the texture on UVs.
-void filterByTextures(const Textures& textures, const MObject& node, const MFnMesh& mesh, Cloud& cloud);
+/// Drops points by the textures, one after the other. One number is drawn for each point that a texture is asked
+/// about. A point without UVs where its ray hit is dropped by the texture on UVs.
+void filterByTextures(const Textures& textures, const MObject& node, const MFnMesh& mesh, Cloud& cloud, Draws& draws);
 
 } // namespace scatter_

@@ -17,8 +17,9 @@ namespace {
 class Thrower
 {
 public:
-    Thrower(const Surface& surface, const RandomAim& aim, const Rules& rules)
-        : surface_(surface), aim_(aim), rules_(rules), masked_(!rules.densityMask.empty() || !rules.spacingMask.empty()),
+    Thrower(const Surface& surface, const RandomAim& aim, const Rules& rules, Draws& draws)
+        : surface_(surface), aim_(aim), rules_(rules), draws_(draws),
+          masked_(!rules.densityMask.empty() || !rules.spacingMask.empty()),
           spaced_(rules.spacing > 0.0001f || !rules.spacingMask.empty())
     {
     }
@@ -31,10 +32,10 @@ public:
     }
 
 private:
-    bool aimed(int i, Aim& ray) const
+    bool aimed(int i, Aim& ray)
     {
         if (!rules_.sources) {
-            ray = aim_.draw();
+            ray = aim_.draw(draws_);
             return true;
         }
         Float3 to;
@@ -49,17 +50,17 @@ private:
     {
         Aim ray;
         Hit hit;
-        if (!aimed(i, ray) || !surface_.hit(ray, rules_.maxDistance, hit))
-            return;
         int vertices[3] = {0, 0, 0};
-        if (masked_ && !surface_.triangleVertices(hit, vertices))
+        if (!aimed(i, ray) || !surface_.hit(ray, rules_.maxDistance, hit) ||
+            (masked_ && !surface_.triangleVertices(hit, vertices)))
             return;
         if (rules_.mode != Mode::kSurface && fromInside(ray, hit)) {
             if (!farEnough(ray.source) || !offer(ray.source, hit, vertices))
                 return;
         }
         // equal, not at least: a maximum of 0 that the first source has passed no longer stops anything
-        if ((goesOn_ = count_ != rules_.maxCount) && rules_.mode != Mode::kVolume && offer(hit.point, hit, vertices))
+        goesOn_ = count_ != rules_.maxCount;
+        if (goesOn_ && rules_.mode != Mode::kVolume && offer(hit.point, hit, vertices))
             goesOn_ = count_ != rules_.maxCount;
     }
 
@@ -85,7 +86,7 @@ private:
     /// A point refused for its spacing counts as one towards the maximum.
     bool offer(const Float3& point, const Hit& hit, const int vertices[3])
     {
-        if (!rules_.densityMask.empty() && drawUnit() > chance(rules_.densityMask.data(), vertices))
+        if (!rules_.densityMask.empty() && draws_.unit() > chance(rules_.densityMask.data(), vertices))
             return false;
         ++count_;
         const float distance = spacingAt(vertices);
@@ -109,18 +110,19 @@ private:
     const Surface&   surface_;
     const RandomAim& aim_;
     const Rules&     rules_;
+    Draws&           draws_;
     const bool       masked_, spaced_;
     bool             goesOn_ = true;
     long long        count_ = 0;       ///< both kinds of points may count in a throw
-    Spacing          accepted_;
-    Cloud            cloud_;
+    Spacing            accepted_;
+    Cloud              cloud_;
 };
 
 } // namespace
 
-Cloud throwPoints(const Surface& surface, const RandomAim& aim, const Rules& rules)
+Cloud throwPoints(const Surface& surface, const RandomAim& aim, const Rules& rules, Draws& draws)
 {
-    return Thrower(surface, aim, rules).run();
+    return Thrower(surface, aim, rules, draws).run();
 }
 
 } // namespace scatter_

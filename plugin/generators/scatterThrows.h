@@ -53,9 +53,8 @@ struct Cloud
     void filter(Keep keep);
 };
 
-/// Random numbers are drawn from rand(), seeded before: six a throw without given sources, and one for each point that
-/// meets a density mask.
-Cloud throwPoints(const Surface& surface, const RandomAim& aim, const Rules& rules);
+/// Draws six numbers a throw without given sources, and one for each point that meets a density mask.
+Cloud throwPoints(const Surface& surface, const RandomAim& aim, const Rules& rules, Draws& draws);
 
 template <class Keep>
 void Cloud::filter(Keep keep)

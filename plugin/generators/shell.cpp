@@ -362,7 +362,10 @@ void writeVectors(MDataBlock& block, const MObject& attribute, const std::vector
 void writeShells(MDataBlock& block, const shells::Shells& found, const std::vector<shells::Box>& boxes, const Spread& spread)
 {
     MArrayDataHandle  list = block.outputArrayValue(shell::aOutShellData);
-    MArrayDataBuilder builder(&block, shell::aOutShellData, static_cast<unsigned int>(found.count()));
+    MArrayDataBuilder builder = list.builder();   // elements that stay are those that others may be connected to
+    for (unsigned int i = list.elementCount(); i-- > 0 && list.jumpToArrayElement(i);)
+        if (list.elementIndex() >= found.count())
+            builder.removeElement(list.elementIndex());
     for (std::size_t s = 0; s < found.count(); ++s) {
         MDataHandle       element = builder.addElement(static_cast<unsigned int>(s));
         const std::size_t first = found.first[s], count = found.size(s);
@@ -403,13 +406,18 @@ MStatus shell::initialize()
     const auto flag = [](MObject& attribute, const char* longName, const char* shortName) {
         return attr::numeric(attribute, longName, shortName, MFnNumericData::kBoolean, 0.0, attr::kControl);
     };
-    const auto triple = [](MObject& attribute, const char* longName, const char* shortName) {
-        return attr::numeric(attribute, longName, shortName, MFnNumericData::k3Double, 0.0, attr::kOutput);
+    const auto triple = [](MObject& attribute, MObject (&xyz)[3], const char* longName, const char* shortName) {
+        const auto part = [&](int axis, const char* upper, const char* lower) {
+            return attr::numeric(xyz[axis], (MString(longName) + upper).asChar(), (MString(shortName) + lower).asChar(),
+                                 MFnNumericData::kDouble, 0.0, attr::kOutput);
+        };
+        return attr::tuple(attribute, longName, shortName, {part(0, "X", "x"), part(1, "Y", "y"), part(2, "Z", "z")},
+                           attr::kOutput);
     };
     const attr::Row parts[] = {
         out(aOutComp, "outComponentList", "ocl", MFnData::kComponentList),
-        triple(aOutBoxCenter, "outBoundingBoxCenter", "obbc"),
-        triple(aOutBoxScale, "outBoundingBoxScale", "obbs"),
+        triple(aOutBoxCenter, aOutBoxCenterXyz, "outBoundingBoxCenter", "obbc"),
+        triple(aOutBoxScale, aOutBoxScaleXyz, "outBoundingBoxScale", "obbs"),
         out(aOutPosPP, "outPositionPP", "oppp", vectors),
         out(aOutWeightPP, "outWeightPP", "owpp", doubles),
         out(aOutRgbaPP, "outRgbaPP", "ocpp", doubles),

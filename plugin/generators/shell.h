@@ -16,6 +16,7 @@ public:
 
     static inline MObject aInMesh, aOutMesh, aInPosPP, aInRotationPP, aInScalePP, aInWeightPP, aInRadiusPP, aInRgbaPP,
         aInNormalPP, aInTangentPP, aMode, aTransform, aWeight, aRgba, aNormal, aTangent, aRadius;
-    static inline MObject aOutShellData, aOutComp, aOutBoxCenter, aOutBoxScale, aOutPosPP, aOutWeightPP, aOutRgbaPP,
+    static inline MObject aOutShellData, aOutComp, aOutBoxCenter, aOutBoxCenterXyz[3], aOutBoxScale,
+        aOutBoxScaleXyz[3], aOutPosPP, aOutWeightPP, aOutRgbaPP,
         aOutNormalPP, aOutTangentPP, aOutRadiusPP, aOutCenters, aOutScales, aOutUvCounts, aOutCount;
 };

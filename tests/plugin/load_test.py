@@ -87,3 +87,14 @@ check(mc.isConnected(mc.listRelatives(cube, shapes=True)[0] + '.worldMesh[0]', r
       'create wires the selection')
 writer = mirk().create('arrayToPointColor', bSkipSel=True)
 check(mc.nodeType(writer) == 'arrayToPointAttribute', 'arrayToPointColor is made as arrayToPointAttribute')
+
+# shatter goes between a mesh and what it showed, with a scatter for its points
+mc.select(cube)
+shatter = mirk().create('shatter')
+shape = mc.listRelatives(cube, shapes=True, noIntermediate=True)[0]
+scatter = mc.listConnections(shatter + '.inPositionPP')[0]
+check(mc.isConnected(shatter + '.outGeometry', shape + '.inMesh'), 'the shape shows the shards')
+check(mc.isConnected(shape + '.worldInverseMatrix[0]', shatter + '.inWorldInverseMatrix'), 'points come to its space')
+check(mc.nodeType(mc.listRelatives(scatter, shapes=True)[0] if mc.listRelatives(scatter, shapes=True) else scatter) == 'scatter',
+      'points come from a scatter')
+check(mc.polyEvaluate(shape, face=True) == 6, 'it rests until autoEvaluate is on')

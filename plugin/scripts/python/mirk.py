@@ -119,6 +119,12 @@ class mirk(object):
                 print("mirk().create('%s')" % sType)
                 return lsNodes[0] if len(lsNodes) == 1 else lsNodes
             return self._echo(sType, self._createWired(sType, bSkipSel))
+        if sNodeType == 'shatter':
+            lsMeshes = [s for s in map(self._shape, lsSelection) if self._firstAttr(s, ('worldMesh',))]
+            if lsMeshes:
+                lsNodes = [self._createShatter(sMesh, bSkipSel) for sMesh in lsMeshes]
+                print("mirk().create('shatter')")
+                return lsNodes[0] if len(lsNodes) == 1 else lsNodes
         sNode = mc.createNode(sType, skipSelect=bSkipSel)
         if sNodeType == 'convexHull':
             mc.setAttr(sNode + '.mode', 3)
@@ -208,6 +214,26 @@ class mirk(object):
         if sType in self.genericMeshes:
             sMesh = mc.createNode('mesh', name=sNode + '_meshShape#', skipSelect=True)
             self._connects(sNode + '.' + self.genericMeshes[sType], sMesh + '.inMesh')
+        return sNode
+
+    def _createShatter(self, sMesh, bSkipSel):
+        """Between what feeds the mesh, kept by an intermediate shape, and the mesh; a scatter on the same gives points."""
+        sParent = mc.listRelatives(sMesh, parent=True, fullPath=True)[0]
+        sOriginal = sParent + '|' + mc.createNode('mesh', name=sMesh.split('|')[-1] + 'Orig#', parent=sParent,
+                                                  skipSelect=True).split('|')[-1]
+        sSource = mc.connectionInfo(sMesh + '.inMesh', sourceFromDestination=True)
+        mc.connectAttr(sSource or sMesh + '.outMesh', sOriginal + '.inMesh')
+        if not sSource:   # without history: what the mesh holds now
+            mc.polyEvaluate(sOriginal, vertex=True)
+            mc.disconnectAttr(sMesh + '.outMesh', sOriginal + '.inMesh')
+        mc.setAttr(sOriginal + '.intermediateObject', True)
+        sScatter = self._createGeneric('scatter', sOriginal, True)
+        sNode = mc.createNode('shatter', skipSelect=bSkipSel)
+        self._connects(sOriginal + '.outMesh', sNode + '.inGeometry')
+        self._connects(sScatter + '.outPositionPP', sNode + '.inPositionPP')
+        self._connects(sMesh + '.worldInverseMatrix', sNode + '.inWorldInverseMatrix')
+        mc.connectAttr(sNode + '.outGeometry', sMesh + '.inMesh', force=True)
+        self._showInEditors(sNode, bSkipSel)
         return sNode
 
     def _shape(self, sObject):
