@@ -2,6 +2,7 @@
 
 #include "command/anim_commands.h"
 #include "command/cmd_util.h"
+#include "command/texture_commands.h"
 
 namespace mirk {
 
@@ -29,6 +30,8 @@ void registerCommands()
     registerKeyEditCommands();
     registerSetCommands();
     registerParticleCommands();
+    registerInstancerCommands();
+    registerShadingCommands();
 }
 
 }  // namespace mirk

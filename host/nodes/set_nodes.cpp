@@ -34,6 +34,19 @@ public:
     }
 };
 
+/// The set of what a shader is on.
+class ShadingEngine : public MPxNode
+{
+public:
+    static void*   creator() { return new ShadingEngine; }
+    static MStatus initialize()
+    {
+        add({triple("surfaceShader", "ss", Number::kFloat, 0, kReset, "RGB"), triple("volumeShader", "vs", Number::kFloat, 0, kReset, "RGB"),
+             triple("displacementShader", "ds", Number::kFloat, 0, kReset)});
+        return MS::kSuccess;
+    }
+};
+
 class Partition : public MPxNode
 {
 public:
@@ -134,6 +147,7 @@ void registerSetTypes()
     };
     for (const Row& row : rows)
         registerRow(row);
+    registerRow({"shadingEngine", "objectSet", 0x53484144, MFn::kShadingEngine, ShadingEngine::creator, ShadingEngine::initialize, "shadingEngine"});
 }
 
 }  // namespace mirk::nodes
