@@ -119,6 +119,14 @@ public:
         aHasAlpha = number("fileHasAlpha", "fha", Number::kBoolean, 0, kOut);
         aSize = tuple("outSize", "os", {number("outSizeX", "osx", Number::kFloat, 0, kOut), number("outSizeY", "osy", Number::kFloat, 0, kOut)}, kOut);
         add({aHasAlpha, aSize});
+        // scene files connect the settings of a placement; what counts comes by uvCoord
+        add({uvPair("coverage", "c", 1, kHide), uvPair("translateFrame", "tf", 0, kHide), unit("rotateFrame", "rf", Unit::kAngle, 0, kHide),
+             number("mirrorU", "mu", Number::kBoolean, 0, kHide), number("mirrorV", "mv", Number::kBoolean, 0, kHide),
+             number("stagger", "s", Number::kBoolean, 0, kHide), number("wrapU", "wu", Number::kBoolean, 1, kHide),
+             number("wrapV", "wv", Number::kBoolean, 1, kHide), uvPair("repeatUV", "re", 1, kHide), uvPair("offset", "of", 0, kHide),
+             unit("rotateUV", "ro", Unit::kAngle, 0, kHide), uvPair("noiseUV", "n", 0, kHide)});
+        for (const MObject& corner : corners())
+            add({corner});
         const MStatus status = declare({aName, aFilterType, aUseFrame, aFrame, aFrameOffset, aDisable});
         affects({aName, aUseFrame, aFrame, aFrameOffset, aDisable}, {aHasAlpha, aSize});
         return status;

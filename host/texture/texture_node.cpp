@@ -107,6 +107,7 @@ void registerTextureTypes()
     registerRamp();
     registerNoise();
     registerFile();
+    registerLambert();
 }
 
 }  // namespace mirk::texture
