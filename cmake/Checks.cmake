@@ -27,6 +27,8 @@ if(EXISTS /usr/share/glmark2/models/bunny.obj)
            --render "${CMAKE_BINARY_DIR}/wave.##.png" --width 160 --height 90)
   add_test(NAME example.path COMMAND mirk run "${CMAKE_SOURCE_DIR}/examples/path.py")
   set_tests_properties(example.path PROPERTIES ENVIRONMENT "MIRK_PATHS=3")
+  add_test(NAME example.scatter COMMAND mirk run "${CMAKE_SOURCE_DIR}/examples/scatter.py")
+  set_tests_properties(example.scatter PROPERTIES ENVIRONMENT "MIRK_THROWS=20000")
 endif()
 
 add_test(NAME example.copies COMMAND mirk run "${CMAKE_SOURCE_DIR}/examples/copies.py")
