@@ -26,6 +26,9 @@ if(EXISTS /usr/share/glmark2/models/bunny.obj)
            --render "${CMAKE_BINARY_DIR}/wave.##.png" --width 160 --height 90)
   add_test(NAME example.path COMMAND mirk run "${CMAKE_SOURCE_DIR}/examples/path.py")
   set_tests_properties(example.path PROPERTIES ENVIRONMENT "MIRK_PATHS=3")
+  add_test(NAME example.cocoon COMMAND mirk run "${CMAKE_SOURCE_DIR}/examples/cocoon.py"
+           --render "${CMAKE_BINARY_DIR}/cocoon.png" --width 160 --height 90)
+  set_tests_properties(example.cocoon PROPERTIES ENVIRONMENT "MIRK_POINTS=1500")
 endif()
 
 add_test(NAME example.volumes COMMAND mirk run "${CMAKE_SOURCE_DIR}/examples/volumes.py" --frames 11-13)

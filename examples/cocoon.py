@@ -14,8 +14,9 @@ import maya.cmds as mc
 
 MODEL = os.environ.get('MIRK_BUNNY', '/usr/share/glmark2/models/bunny.obj')
 POINTS = int(os.environ.get('MIRK_POINTS', '5200'))   # of the cocoon
+THREADS = 2                   # from each of them
 
-BODY, FOOT, CROWN = (0.10, 0.09, 0.12), (0.20, 0.52, 0.72), (1.00, 0.86, 0.58)
+BODY, FOOT, CROWN = (0.30, 0.10, 0.10), (0.20, 0.62, 0.86), (1.00, 0.82, 0.45)
 
 # Along the normals, further where the noise is high; $BBY is the height of the mesh.
 SWELL = '''
@@ -57,7 +58,7 @@ def mix(a, b, t):
 
 
 def heightColours(points, alpha):
-    """A node with a colour for each point, from the foot to the crown."""
+    """A plug with a colour for each point, from the foot to the crown."""
     low, high = (f(p[1] for p in points) for f in (min, max))
     rgba = []
     for p in points:
@@ -83,7 +84,7 @@ def frame(points):
     low, high = ([f(c) for c in zip(*points)] for f in (min, max))
     center = [(a + b) / 2.0 for a, b in zip(low, high)]
     radius = max(b - a for a, b in zip(low, high)) / 2.0
-    turn, tilt, distance = math.radians(20.0), math.radians(12.0), 4.3 * radius
+    turn, tilt, distance = math.radians(20.0), math.radians(9.0), 4.2 * radius
     mc.setAttr('persp.translate', center[0] + distance * math.sin(turn) * math.cos(tilt),
                center[1] + distance * math.sin(tilt), center[2] + distance * math.cos(turn) * math.cos(tilt), type='double3')
     mc.setAttr('persp.rotate', -math.degrees(tilt), math.degrees(turn), 0.0, type='double3')
@@ -92,6 +93,8 @@ def frame(points):
 def main():
     bunny = importMesh(MODEL)
     plug = bunny + '.worldMesh[0]'
+    mc.setAttr(mc.listRelatives(bunny, parent=True, fullPath=True)[0] + '.translateY',
+               -1.12 * mc.getAttr(bunny + '.boundingBoxMin')[0][1])   # the cocoon stands on the ground
     count = mc.polyEvaluate(bunny, vertex=True)
     height = mc.getAttr(bunny + '.boundingBoxMax')[0][1] - mc.getAttr(bunny + '.boundingBoxMin')[0][1]
     mc.polyColorPerVertex(bunny, rgb=BODY, alpha=1.0)
@@ -105,16 +108,17 @@ def main():
     outer = pointsOf(swell + '.outGeometry', max(1, count // POINTS), 'cocoon')
     points = vectors(mc.getAttr(outer))
     reach = 2.2 * height * math.sqrt(7.0 / len(points))
-    skin = web('skin', outer, heightColours(points, 0.55), maxDistance=reach, maxConnectionsPerPoint=5)
+    skin = web('skin', outer, heightColours(points, 0.6), maxDistance=reach, maxConnectionsPerPoint=5)
 
     anchors = pointsOf(plug, max(1, 3 * count // POINTS), 'anchors')
     tree = mc.createNode('kdTree', name='nearestAnchors')
     mc.connectAttr(anchors, tree + '.inGeometry')
     mc.connectAttr(outer, tree + '.inGeometry2')
-    mc.setAttr(tree + '.count', 2)
+    mc.setAttr(tree + '.count', THREADS)
     mc.setAttr(tree + '.outputMappingData', True)
-    threads = web('threads', outer, heightColours(points, 0.35), segments=8, usePositionDisplacementY=True)
+    threads = web('threads', outer, heightColours(points, 0.4), segments=8, usePositionDisplacementY=True)
     mc.connectAttr(anchors, threads + '.inPositionPP2')
+    mc.connectAttr(heightColours(vectors(mc.getAttr(anchors)), 0.8), threads + '.inRgbaPP2')
     mc.connectAttr(tree + '.outCountPP', threads + '.inCountPP')
     mc.connectAttr(tree + '.outIdPP', threads + '.inIdPP')
     for i, (at, value) in enumerate(((0.0, 0.5), (0.5, 0.5 - 0.012 * height), (1.0, 0.5))):
@@ -128,7 +132,7 @@ def main():
     segments = len(vectors(mc.getAttr(threads + '.outPositionPP')))
     print('%d points, %d links of the skin, the longest %.4f; %d threads' %
           (len(points), len(lengths), max(lengths), segments // 8))
-    if max(lengths) > reach or segments != 16 * len(points):
+    if max(lengths) > reach or segments != 8 * THREADS * len(points):
         sys.exit('The web is not what its settings say.')
 
 
