@@ -29,6 +29,9 @@ if(EXISTS /usr/share/glmark2/models/bunny.obj)
   set_tests_properties(example.path PROPERTIES ENVIRONMENT "MIRK_PATHS=3")
   add_test(NAME example.scatter COMMAND mirk run "${CMAKE_SOURCE_DIR}/examples/scatter.py")
   set_tests_properties(example.scatter PROPERTIES ENVIRONMENT "MIRK_THROWS=20000")
+  add_test(NAME example.cocoon COMMAND mirk run "${CMAKE_SOURCE_DIR}/examples/cocoon.py"
+           --render "${CMAKE_BINARY_DIR}/cocoon.png" --width 160 --height 90)
+  set_tests_properties(example.cocoon PROPERTIES ENVIRONMENT "MIRK_POINTS=1500")
 endif()
 
 add_test(NAME example.copies COMMAND mirk run "${CMAKE_SOURCE_DIR}/examples/copies.py")

@@ -223,6 +223,7 @@ void runCallback(const view::Callback& callback, const Camera& camera, const Tar
 {
     glUseProgram(0);
     glBindVertexArray(0);
+    glBindBuffer(GL_ARRAY_BUFFER, 0);   // arrays of a callback are in its own memory
     glPushAttrib(GL_ALL_ATTRIB_BITS);
     glPushClientAttrib(GL_CLIENT_ALL_ATTRIB_BITS);
     glMatrixMode(GL_PROJECTION);

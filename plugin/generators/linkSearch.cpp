@@ -352,15 +352,22 @@ Links linksWithin(const double* points, std::size_t count, const double* referen
     std::atomic<std::size_t> total{0};
     PairSearch               byReference(reference, referenceCount, 0, band, total, most);
     PairSearch               byPoints(points, count, referenceCount, band, total, most);
-    byReference.run(nullptr);
-    byReference.slices.resize(count);
+    if (referenceCount > 0) {
+        byReference.run(nullptr);
+        byReference.slices.resize(count);
+    }
     if (referenceCount < count)
-        byPoints.run(&byReference.slices);
-    byPoints.slices.resize(count);
+        byPoints.run(referenceCount > 0 ? &byReference.slices : nullptr);
     if (total > most) {
         links.tooMany = true;
         return links;
     }
+    const auto add = [&](const std::vector<Slice>& slices, std::size_t i) {
+        if (i >= slices.size() || slices[i].count == 0)
+            return;
+        const auto from = slices[i].found->to.begin() + static_cast<std::ptrdiff_t>(slices[i].start);
+        links.to.insert(links.to.end(), from, from + static_cast<std::ptrdiff_t>(slices[i].count));
+    };
     if (std::vector<int>* to = byPoints.inOrder(); to && referenceCount == 0) {
         links.to = std::move(*to);
         for (std::size_t i = 0; i < count; ++i)
@@ -369,10 +376,8 @@ Links linksWithin(const double* points, std::size_t count, const double* referen
     }
     links.to.reserve(total);
     for (std::size_t i = 0; i < count; ++i) {
-        for (const Slice& slice : {byReference.slices[i], byPoints.slices[i]})
-            if (slice.count > 0)
-                links.to.insert(links.to.end(), slice.found->to.begin() + static_cast<std::ptrdiff_t>(slice.start),
-                                slice.found->to.begin() + static_cast<std::ptrdiff_t>(slice.start + slice.count));
+        add(byReference.slices, i);
+        add(byPoints.slices, i);
         links.first[i + 1] = links.to.size();
     }
     return links;

@@ -332,6 +332,9 @@ TEST_F(Cocoon, DrawsLinksInTheirColourAndWidthWhereTheLocatorStands)
     mirk::view::Image image = renderScene(view());
     EXPECT_GT(picture::at(image, 18, 32).r, 200);
     EXPECT_GT(picture::at(image, 46, 32).b, 200);
+    mirk::view::SceneDrawOptions full = view();
+    full.grid = true;   // drawn before
+    EXPECT_GT(picture::at(renderScene(full), 20, 30).r, 150);
     EXPECT_EQ(picture::at(image, 8, 32).r, 0);          // left of it
     EXPECT_GT(picture::at(image, 20, 30).r, 150);       // six pixels wide
     EXPECT_EQ(picture::at(image, 20, 27).r, 0);
@@ -344,6 +347,7 @@ TEST_F(Cocoon, DrawsLinksInTheirColourAndWidthWhereTheLocatorStands)
     run("setAttr c.useInputColorForLinks 0; setAttr c.linksColor 0 1 0; setAttr c.linksAlpha 0.5");   // at the next picture
     image = renderScene(view());
     EXPECT_NEAR(picture::at(image, 18, 16).g, 128, 12);
+    EXPECT_EQ(picture::at(image, 18, 16).a, 255);
     EXPECT_EQ(picture::at(image, 18, 16).r, 0);
 
     MSelectionList list;
