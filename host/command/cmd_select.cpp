@@ -1,5 +1,6 @@
 // The selection.
 #include "command/cmd_util.h"
+#include "dag/selection_list.h"
 #include "nodes/sets.h"
 
 namespace mirk::command {
@@ -55,7 +56,8 @@ Value select(Call& call)
         const std::vector<Item> items = given(call);
         const auto isGiven = [&](const Item& i) { return std::find(items.begin(), items.end(), i) != items.end(); };
         if (call.has("deselect"))
-            std::erase_if(list, isGiven);
+            for (const Item& i : items)
+                removeItem(list, i);
         else if (call.has("toggle"))
         {
             std::vector<Item> kept;

@@ -107,7 +107,7 @@ public:
     static void*   creator() { return new PolyUnite; }
     static MStatus initialize()
     {
-        aMeshes = typed("inputPoly", "ip", MFnData::kMesh, kMulti | kHide | kNoStore);
+        aMeshes = typed("inputPoly", "ip", MFnData::kMesh, kMulti | kHide | kNoStore | kReset);   // a source that goes leaves nothing
         aMatrices = matrix("inputMat", "im", kMulti | kHide);
         aMergeUVs = choice("mergeUVSets", "mus", 1, {"Don't merge", "By Name", "By UV Links"});
         aOutput = typed("output", "out", MFnData::kMesh, kOut | kHide);

@@ -10,6 +10,7 @@ TEST_F(CommandLines, Nodes) { runLines("command/lines/nodes.mel"); }
 TEST_F(CommandLines, Attributes) { runLines("command/lines/attributes.mel"); }
 TEST_F(CommandLines, Transforms) { runLines("command/lines/transforms.mel"); }
 TEST_F(CommandLines, Polygons) { runLines("command/lines/polygons.mel"); }
+TEST_F(CommandLines, PolyOperations) { runLines("command/lines/poly_operations.mel"); }
 TEST_F(CommandLines, Curves) { runLines("command/lines/curves.mel"); }
 TEST_F(CommandLines, AnimationAndSets) { runLines("command/lines/animation.mel"); }
 TEST_F(CommandLines, Session) { runLines("command/lines/session.mel"); }
