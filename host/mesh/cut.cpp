@@ -11,7 +11,9 @@ namespace mirk {
 
 namespace {
 
-constexpr int8_t kFront = 1, kOn = 0, kBehind = -1, kNowhere = 2;
+/// Where a point lies, as bits, so that those of a face are joined by or.
+enum Side : uint8_t { kBehind = 1, kOn = 2, kFront = 4, kNowhere = 8 };
+int8_t signOf(uint8_t side) { return int8_t((side == kFront) - (side == kBehind)); }
 
 bool finite(const Vec3& v) { return std::isfinite(v.x) && std::isfinite(v.y) && std::isfinite(v.z); }
 
@@ -111,14 +113,14 @@ private:
             if (!(std::fabs(d) <= std::numeric_limits<double>::max()))
                 side_[size_t(v)] = kNowhere;
         }
-        for (int8_t s : side_)
-            sides_ |= 1u << (s + 1);
+        for (uint8_t s : side_)
+            sides_ |= s;
     }
 
     /// False if all vertices lie on sides where nothing is done.
     bool touches() const
     {
-        const bool front = sides_ & 4, on = sides_ & 2, behind = sides_ & 1;
+        const bool front = sides_ & kFront, on = sides_ & kOn, behind = sides_ & kBehind;
         return cut_.behind == PlaneCut::keep ? front && behind : behind || on;
     }
 
@@ -131,20 +133,17 @@ private:
         plan_.faceSource.reserve(size_t(faces) + 16);
         const int* connects = t_.connects().data();
         const int* offsets = t_.offsets().data();
-        const int8_t* side = side_.data();
+        const uint8_t* side = side_.data();
         int        run = 0;   // faces from here to the present one are taken over as they are
         for (int f = 0; f < faces; ++f) {
-            int low = 2, high = -2;
-            for (int c = offsets[f]; c < offsets[f + 1]; ++c) {
-                const int s = side[connects[c]];
-                low = std::min(low, s);
-                high = std::max(high, s);
-            }
-            if (low == kFront && high == kFront)
+            unsigned sides = 0;
+            for (int c = offsets[f]; c < offsets[f + 1]; ++c)
+                sides |= side[connects[c]];
+            if (sides == kFront)
                 continue;
             takeRun(run, f);
             run = f + 1;
-            takeFace(f, low, high);
+            takeFace(f, sides);
         }
         takeRun(run, faces);
     }
@@ -169,15 +168,15 @@ private:
     }
 
     /// A face that is not all in front.
-    void takeFace(int f, int low, int high)
+    void takeFace(int f, unsigned sides)
     {
-        if (high == kNowhere || (faces_ && !faces_->has(f))) {
-            borderFollows_ &= high != kNowhere;
+        if ((sides & kNowhere) || (faces_ && !faces_->has(f))) {
+            borderFollows_ &= !(sides & kNowhere);
             return takeRun(f, f + 1);
         }
-        if (low == kBehind && high == kFront)
+        if ((sides & kBehind) && (sides & kFront))
             return clip(f);
-        const bool behind = low == kBehind || (high == kOn && dot(areaVector(t_, mesh_.points(), f), normal_) >= 0);
+        const bool behind = (sides & kBehind) || (sides == kOn && dot(areaVector(t_, mesh_.points(), f), normal_) >= 0);
         if (behind && drops()) {
             changed_ = true;
             return;
@@ -188,7 +187,7 @@ private:
         }
         const size_t at = plan_.connects.size();
         takeRun(f, f + 1);
-        if (low == kOn && drops())
+        if ((sides & kOn) && drops())
             noteEdgesOn(at);
     }
 
@@ -198,26 +197,27 @@ private:
         clipper_.clear();
         for (int c = t_.first(f); c < t_.first(f + 1); ++c) {
             const int next = t_.next(c, f), a = t_.connects()[size_t(c)], b = t_.connects()[size_t(next)];
-            clipper_.add({a, side_[size_t(a)], c, c});
-            if (side_[size_t(a)] * side_[size_t(b)] == -1) {
+            const int8_t side = signOf(side_[size_t(a)]);
+            clipper_.add({a, side, c, c});
+            if (side * signOf(side_[size_t(b)]) == -1) {
                 plan_.cornerBlends.push(a < b ? MeshPlan::Blend{c, next, 0} : MeshPlan::Blend{next, c, 0});
                 const int k = crossing(a, b);
                 plan_.cornerBlends[plan_.cornerBlends.size() - 1].t = crossings_.points()[size_t(k)].t;
-                clipper_.add({t_.vertexCount() + k, kOn, MeshPlan::blend(int(plan_.cornerBlends.size()) - 1), c});
+                clipper_.add({t_.vertexCount() + k, 0, MeshPlan::blend(int(plan_.cornerBlends.size()) - 1), c});
             }
         }
         if (clipper_.needsLine())
             clipper_.setLine(cross(normal_, areaVector(t_, mesh_.points(), f)), [this](int v) { return Vec3(point(v)); });
-        takePieces(f, kFront);
+        takePieces(f, 1);
         if (!drops())
-            takePieces(f, kBehind);
+            takePieces(f, -1);
     }
 
     void takePieces(int f, int side)
     {
         borderFollows_ &= clipper_.pieces(side, [&](const Buffer<ClipNode>& piece, const Buffer<int>& edges) {
             const size_t at = plan_.connects.size();
-            if (side == kBehind && cut_.behind == PlaneCut::moveApart)
+            if (side < 0 && cut_.behind == PlaneCut::moveApart)
                 apart_.push(int(plan_.counts.size()));
             plan_.counts.push(int(piece.size()));
             plan_.faceSource.push(f);
@@ -365,8 +365,8 @@ private:
     const ElementSet* faces_;
     Vec3              normal_;
     Buffer<double>    distance_;
-    Buffer<int8_t>    side_;
-    unsigned          sides_ = 0;        ///< that have vertices, as bits: behind, on, in front, nowhere
+    Buffer<uint8_t>   side_;
+    unsigned          sides_ = 0;        ///< that have vertices
     Crossings         crossings_;
     Buffer<float>     newPoints_;
     FaceClipper       clipper_;
