@@ -1,5 +1,6 @@
 #include "mesh/face_ops.h"
 
+#include <algorithm>
 #include <unordered_set>
 
 #include "mesh/face_plan.h"

@@ -1,5 +1,7 @@
 #include "mesh/face_plan.h"
 
+#include <algorithm>
+
 namespace mirk {
 
 Ref<MeshBody> FacePlan::finish(const float* points, const uint8_t* gone)

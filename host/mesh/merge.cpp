@@ -4,6 +4,7 @@
 // as it should be.
 #include "mesh/merge.h"
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <cmath>
@@ -22,7 +23,8 @@ struct CellKey
 
 CellKey plus(const CellKey& k, const int step[3]) { return {k.x + step[0], k.y + step[1], k.z + step[2]}; }
 
-/// Cells with the points in them as chains: open addressing, at most half full.
+/// Cells with the points in them as chains: open addressing, at most half full. A bit for each hash value, in a table that
+/// fits the cache, answers most questions about cells that are empty.
 class CellTable
 {
 public:
@@ -34,17 +36,28 @@ public:
 
     explicit CellTable(size_t most)
     {
-        size_t size = 16;
-        while (size < most * 2)
-            size *= 2;
-        slots.resize(size);
+        while (size_t(1) << shift_ < most * 2)
+            ++shift_;
+        slots.resize(size_t(1) << shift_);
+        shift_ += 3;
+        used_.resize((size_t(1) << shift_) / 64);
     }
-    Slot& at(const CellKey& key) { return slots[place(key)]; }
+    /// Null for an empty cell.
+    const Slot* find(const CellKey& key) const
+    {
+        const uint64_t h = hash(key);
+        if (!(used_[bit(h) / 64] >> bit(h) % 64 & 1))
+            return nullptr;
+        const Slot& s = slots[place(key, h)];
+        return s.head < 0 ? nullptr : &s;
+    }
 
     /// Puts a point into its cell; the one that was there last, or -1.
     int add(const CellKey& key, int point)
     {
-        Slot&     s = at(key);
+        const uint64_t h = hash(key);
+        used_[bit(h) / 64] |= uint64_t(1) << bit(h) % 64;
+        Slot&     s = slots[place(key, h)];
         const int last = s.head;
         s.key = key;
         s.head = point;
@@ -55,16 +68,24 @@ public:
     std::vector<Slot> slots;
 
 private:
-    size_t place(const CellKey& key) const
+    static uint64_t hash(const CellKey& key)
     {
         uint64_t h = std::bit_cast<uint64_t>(key.x) * 0x9e3779b97f4a7c15ull;
         h = (h ^ (h >> 29) ^ std::bit_cast<uint64_t>(key.y)) * 0xbf58476d1ce4e5b9ull;
         h = (h ^ (h >> 32) ^ std::bit_cast<uint64_t>(key.z)) * 0x94d049bb133111ebull;
-        size_t i = size_t(h ^ (h >> 31)) & (slots.size() - 1);
+        return h ^ (h >> 31);
+    }
+    size_t bit(uint64_t h) const { return size_t(h >> (64 - shift_)); }
+    size_t place(const CellKey& key, uint64_t h) const
+    {
+        size_t i = size_t(h) & (slots.size() - 1);
         while (slots[i].head >= 0 && !(slots[i].key == key))
             i = (i + 1) & (slots.size() - 1);
         return i;
     }
+
+    std::vector<uint64_t> used_;
+    unsigned              shift_ = 4;   // of the bits' number, 8 a slot
 };
 
 class Clusters
@@ -152,7 +173,7 @@ private:
 
     /// The point's own cell, and those beyond the sides that it is closer to than a quarter of a cell.
     template <class Visit>
-    void closeCells(CellTable& cells, int i, double cell, Visit&& visit)
+    void closeCells(const CellTable& cells, int i, double cell, Visit&& visit)
     {
         if (!finite(i))
             return;
@@ -170,13 +191,13 @@ private:
             const CellKey other = plus(own, step);
             if (!wanted || (mask && other == own))
                 continue;
-            if (const CellTable::Slot& s = cells.at(other); s.head >= 0)
-                visit(s);
+            if (const CellTable::Slot* s = cells.find(other))
+                visit(*s);
         }
     }
 
     /// Where many points share a cell: cells so small that all points of one belong together.
-    void joinDense(CellTable& wideCells, double wide, double distance, double limitSq)
+    void joinDense(const CellTable& wideCells, double wide, double distance, double limitSq)
     {
         std::vector<int> candidates;
         for (int i = 0; i < count(); ++i) {
@@ -200,9 +221,9 @@ private:
                             steps.push_back({x, y, z});
             for (const CellTable::Slot& s : cells.slots)
                 for (size_t k = 0; k < steps.size() && s.head >= 0; ++k) {
-                    const int other = cells.at(plus(s.key, steps[k].data())).head;
-                    if (other >= 0 && find(other) != find(s.head) && anyPair(s.head, other, limitSq, next))
-                        join(s.head, other);
+                    const CellTable::Slot* other = cells.find(plus(s.key, steps[k].data()));
+                    if (other && find(other->head) != find(s.head) && anyPair(s.head, other->head, limitSq, next))
+                        join(s.head, other->head);
                 }
         }
     }

@@ -1,5 +1,6 @@
 #include "mesh/unite.h"
 
+#include <algorithm>
 #include <climits>
 #include <unordered_map>
 
