@@ -28,6 +28,8 @@ if(EXISTS /usr/share/glmark2/models/bunny.obj)
   set_tests_properties(example.path PROPERTIES ENVIRONMENT "MIRK_PATHS=3")
 endif()
 
+add_test(NAME example.instances COMMAND mirk run "${CMAKE_SOURCE_DIR}/examples/instances.py"
+         --render "${CMAKE_BINARY_DIR}/instances.png" --width 160 --height 90)
 add_test(NAME example.volumes COMMAND mirk run "${CMAKE_SOURCE_DIR}/examples/volumes.py" --frames 11-13)
 set_tests_properties(example.volumes PROPERTIES ENVIRONMENT "MIRK_BUNNY=none")   # on its small sphere
 
