@@ -38,6 +38,8 @@ add_test(NAME example.copies COMMAND mirk run "${CMAKE_SOURCE_DIR}/examples/copi
 set_tests_properties(example.copies PROPERTIES ENVIRONMENT "MIRK_BUNNY=none;MIRK_COPIES=400")   # on a sphere
 add_test(NAME example.shatter COMMAND mirk run "${CMAKE_SOURCE_DIR}/examples/shatter.py"
          --render "${CMAKE_BINARY_DIR}/shatter.png" --width 160 --height 90)
+add_test(NAME example.instances COMMAND mirk run "${CMAKE_SOURCE_DIR}/examples/instances.py"
+         --render "${CMAKE_BINARY_DIR}/instances.png" --width 160 --height 90)
 add_test(NAME example.volumes COMMAND mirk run "${CMAKE_SOURCE_DIR}/examples/volumes.py" --frames 11-13)
 set_tests_properties(example.volumes PROPERTIES ENVIRONMENT "MIRK_BUNNY=none")   # on its small sphere
 

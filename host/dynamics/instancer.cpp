@@ -187,7 +187,8 @@ private:
 
     MMatrix rotation(size_t i) const
     {
-        const int type = int(std::clamp(type_.at(i, usual_), -1., 99.));
+        const double wanted = type_.at(i, usual_);
+        const int    type = wanted >= 1 && wanted < 3 ? int(wanted) : int(kRotation);
         if (type == kAimDirection || type == kAimPosition) {
             const MVector aim = type == kAimDirection ? at(aim_, i, MVector(1, 0, 0)) : at(target_, i, MVector()) - (*position_)[i];
             return turned(at(aimAxis_, i, MVector(1, 0, 0)), at(upAxis_, i, MVector(0, 1, 0)), aim, at(up_, i, MVector(0, 1, 0)));

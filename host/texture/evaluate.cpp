@@ -248,8 +248,8 @@ public:
             aside->freeElements();
         for (Node* node : nodes_) {
             markNewCells(*node);
-            if (node->dependsOnDirtyCall)
-                tellInputs(*node);
+            if (node->dependsOnDirtyCall)   // the marks are as they were
+                tellInputs(*node, false);
         }
     }
 
@@ -338,13 +338,13 @@ private:
             dirt_.push_back({p, Cell::kChildDirty});
     }
 
-    void tellInputs(Node& node)
+    void tellInputs(Node& node, bool mark)
     {
         for (Cell* input : inputs_)
             if (input->node == &node && node.user) {
                 MPlugArray plugs;
                 node.user->setDependentsDirty(PlugAccess::lend(*input), plugs);
-                for (unsigned i = 0; i < plugs.length(); ++i)
+                for (unsigned i = 0; mark && i < plugs.length(); ++i)
                     if (Cell* c = PlugAccess::cell(plugs[i]))
                         walkCells(*c, [](Cell& below) { below.flags |= Cell::kDirty; });
             }
@@ -356,7 +356,7 @@ private:
             cell->flags |= flag;
         for (Node* node : nodes_)
             if (node->dependsOnDirtyCall)
-                tellInputs(*node);
+                tellInputs(*node, true);
         for (Cell* seed : seeds_)
             putFloats(*seed, &at.u, 2);
         for (const Function& f : functions_) {

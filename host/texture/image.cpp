@@ -36,6 +36,15 @@ ReadImage reader(std::string& why)
     return entry;
 }
 
+/// A library's reason as a part of a sentence.
+std::string oneLine(std::string reason)
+{
+    reason.erase(std::min(reason.find('\n'), reason.size()));
+    while (!reason.empty() && (reason.back() == '.' || reason.back() == ' ' || reason.back() == '\r'))
+        reason.pop_back();
+    return reason.empty() ? "its content is broken" : reason;
+}
+
 float channel(const Image& image, int x, int y, int c)
 {
     const size_t at = (size_t(y) * size_t(image.width) + size_t(x)) * 4 + size_t(c);
@@ -69,8 +78,10 @@ std::shared_ptr<const Image> readImage(const std::string& path, std::string& why
         return nullptr;
     auto image = std::make_shared<Image>();
     try {
-        if (!read(path.c_str(), *image, why))
+        if (!read(path.c_str(), *image, why)) {
+            why = oneLine(why);
             return nullptr;
+        }
     } catch (const std::bad_alloc&) {
         why = "there is not enough memory for it";
         return nullptr;

@@ -79,6 +79,7 @@ TEST_F(Instancers, WhereACopyStands)
         {"an axis of its own", "", {{{"position", {{}}}, {"aimDirection", {{1, 0, 0}}}, {"aimAxis", {{0, 0, 1}}}}, {}, {}}, z, x},
         {"the type tells which counts", "", {{{"position", {{}}}, {"rotation", {{0, 0, 90}}}, {"aimDirection", {{0, 0, 1}}}}, {{"rotationType", {1}}}, {}}, x, z},
         {"rotation before direction", "", {{{"position", {{}}}, {"rotation", {{0, 0, 90}}}, {"aimDirection", {{0, 0, 1}}}}, {}, {}}, x, y},
+        {"a type that is none", "", {{{"position", {{}}}, {"rotation", {{0, 0, 90}}}}, {{"rotationType", {NAN}}}, {}}, x, y},
         {"no direction, no turn", "", {{{"position", {{}}}, {"aimDirection", {{}}}}, {}, {}}, x, x},
     };
     for (const Case& c : cases) {

@@ -8,12 +8,16 @@
 #include <maya/MDoubleArray.h>
 #include <maya/MDynamicsUtil.h>
 #include <maya/MFnDependencyNode.h>
+#include <maya/MFnNumericAttribute.h>
 #include <maya/MPlug.h>
+#include <maya/MPxEmitterNode.h>
 #include <maya/MSelectionList.h>
 #include <maya/MTime.h>
 #include <maya/MVector.h>
 #include <maya/MVectorArray.h>
 
+#include "data/mobject.h"
+#include "graph/test_nodes.h"
 #include "support/host_fixture.h"
 
 using mirk::test::Host;
@@ -182,6 +186,98 @@ TEST_F(TextureNetworks, OddNetworks)
         mel("createNode reverse -n r" + std::to_string(i) + "; connectAttr r" + std::to_string(i - 1) + ".output r" + std::to_string(i) + ".input");
     mel("createNode blendColors -n b; connectAttr r500.output b.color1");
     expectColor(eval("b", "color1", {0}, {0.25}).colors[0], 0.75, 0.75, 0.75, "501 times one minus");
+}
+
+/// A texture as a plug-in may bring it: it tells of dirt itself and keeps its colour until then.
+class quilt : public MPxNode
+{
+public:
+    static void*   creator() { return new quilt; }
+    static MStatus initialize()
+    {
+        MFnNumericAttribute n;
+        const MObject u = n.create("uCoord", "u", MFnNumericData::kFloat), v = n.create("vCoord", "v", MFnNumericData::kFloat);
+        aUV = n.create("uvCoord", "uv", u, v);
+        addAttribute(aUV);
+        aOut = n.createColor("outColor", "oc");
+        n.setWritable(false);
+        addAttribute(aOut);
+        return MS::kSuccess;
+    }
+    MStatus setDependentsDirty(const MPlug& plug, MPlugArray& also) override
+    {
+        if (plug == aUV || (plug.isChild() && plug.parent() == aUV)) {
+            known_ = false;
+            also.append(MPlug(thisMObject(), aOut));
+        }
+        return MS::kSuccess;
+    }
+    MStatus compute(const MPlug& plug, MDataBlock& block) override
+    {
+        if (plug != aOut && !(plug.isChild() && plug.parent() == aOut))
+            return MS::kUnknownParameter;
+        const float2& uv = block.inputValue(aUV).asFloat2();
+        if (!std::exchange(known_, true))
+            color_ = MVector(uv[0], uv[1], uv[0] + uv[1]);
+        block.outputValue(aOut).set3Float(float(color_.x), float(color_.y), float(color_.z));
+        block.setClean(aOut);
+        return MS::kSuccess;
+    }
+    static inline MObject aUV, aOut;
+
+private:
+    bool    known_ = false;
+    MVector color_;
+};
+
+TEST_F(TextureNetworks, TexturesOfPlugIns)
+{
+    static mirk::NodeType* type = graph_test::registerType("testQuilt", 0x7f2f1, quilt::creator, quilt::initialize);
+    ASSERT_TRUE(type);
+    type->classification = "texture/2d:drawdb/shader/texture";
+    mel("createNode testQuilt -n q; createNode place2dTexture -n p; createNode reverse -n r; createNode blendColors -n b;"
+        "connectAttr p.outUV q.uvCoord; connectAttr q.outColor r.input; connectAttr r.output b.color1; connectAttr q.outColor b.color2;"
+        "setAttr p.repeatUV 2 4; setAttr p.uvCoord 0.25 0.125");
+    ASSERT_EQ(nums("getAttr b.color2"), (std::vector<double>{0.5, 0.5, 1}));
+    const Result r = eval("b", "color1", {0.25, 0.5}, {0.25, 0.125}), plain = eval("b", "color2", {0.25, 0.5}, {0.25, 0.125});
+    expectColor(r.colors[0], 0.5, 0, -0.5, "one minus (0.5, 1, 1.5)");
+    expectColor(r.colors[1], 0, 0.5, -0.5, "one minus (1, 0.5, 1.5)");
+    expectColor(plain.colors[1], 1, 0.5, 1.5, "the texture alone");
+    EXPECT_EQ(plain.alphas[0], 1) << "it has no alpha";
+    EXPECT_EQ(nums("getAttr b.color2"), (std::vector<double>{0.5, 0.5, 1})) << "what it had stays";
+    mel("setAttr p.uCoord 0.5");
+    EXPECT_EQ(nums("getAttr b.color2"), (std::vector<double>{1, 0.5, 1.5})) << "and dirt reaches it";
+    type->classification = "utility/general";
+    EXPECT_FALSE(valid("b", "color1")) << "no texture by its class";
+}
+
+/// An emitter that evaluates its own rate.
+class sprinkler : public MPxEmitterNode
+{
+public:
+    static void*   creator() { return new sprinkler; }
+    static MStatus initialize() { return MS::kSuccess; }
+    MStatus        rates(MDoubleArray& u, MDoubleArray& v, MDoubleArray& out) { return evalEmission2dTexture(mRate, u, v, nullptr, &out); }
+};
+
+TEST_F(TextureNetworks, EmittersEvaluateTheirOwn)
+{
+    auto made = std::make_unique<mirk::NodeType>();
+    made->name = "testSprinkler";
+    made->id = 0x7f2f2;
+    made->creator = sprinkler::creator;
+    made->inherit(mirk::findNodeType("THdynEmitter"));
+    static mirk::NodeType* type = mirk::registerNodeType(std::move(made));
+    ASSERT_TRUE(type);
+    mel("createNode testSprinkler -n s; createNode ramp -n r");
+    auto&        user = *dynamic_cast<sprinkler*>(mirk::objectAs<mirk::Node>(node("s"))->user.get());
+    MDoubleArray u(2, 0.5), v(2, 0.25), out;
+    EXPECT_FALSE(user.rates(u, v, out)) << "no texture";
+    mel("connectAttr r.outAlpha s.rate");
+    v[1] = 0.75;
+    ASSERT_TRUE(user.rates(u, v, out));
+    EXPECT_NEAR(out[0], 0.25, 1e-6);
+    EXPECT_NEAR(out[1], 0.75, 1e-6);
 }
 
 /// A random network: textures with or without a placement, textures in textures, arithmetic on top; ends in b.color1.

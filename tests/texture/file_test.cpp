@@ -120,6 +120,8 @@ TEST_F(FileTexture, WhatCannotBeReadIsNamedOnce)
         expect(bad.name, 0.3, 0.3, {0, 0.25, 0.5, 0});
         const std::string first = said(mirk::message::kWarning);
         EXPECT_NE(first.find("f: the image '" + path + "' cannot be read: "), std::string::npos) << first;
+        EXPECT_EQ(first.find('\n'), std::string::npos) << first;
+        EXPECT_EQ(first.find(": ."), std::string::npos) << first;
         expect(bad.name, 0.4, 0.3, {0, 0.25, 0.5, 0});
         EXPECT_EQ(said(mirk::message::kWarning), first) << "told once";
         EXPECT_EQ(nums("getAttr f.outSize"), (std::vector<double>{0, 0}));
