@@ -223,6 +223,8 @@ MIRK_INLINE void take(RayHit& hit, const Hits4& h, const Tree::Block& b, int lan
     hit.w[1] = h.u[lane];
     hit.w[2] = h.v[lane];
     hit.triangle = b.id[lane];
+    hit.face = b.face[lane];
+    hit.inFace = b.inFace[lane];
     hit.point = vertexOf(b, 0, lane) * hit.w[0] + vertexOf(b, 1, lane) * hit.w[1] + vertexOf(b, 2, lane) * hit.w[2];
 }
 
@@ -238,7 +240,6 @@ bool closestHit(const Tree& tree, const Ray& ray, RayHit& hit)
         for (unsigned lanes = lanesOf(h.valid); lanes; lanes &= lanes - 1) {
             const int lane = __builtin_ctz(lanes);
             if ((h.t[lane] < best || (h.t[lane] == best && b.id[lane] < hit.triangle)) && wanted(ray, b.id[lane])) {
-                tree.prefetchFace(b.id[lane]);
                 take(hit, h, b, lane, unit.length);
                 best = tMax = h.t[lane];
             }

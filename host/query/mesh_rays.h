@@ -34,8 +34,8 @@ public:
     /// By rising parameter; a face that is met along a diagonal once.
     std::vector<RayHit> all();
 
-    int  faceOf(const RayHit& hit) const { return tree().faceOf(hit.triangle); }
-    int  localTriangle(const RayHit& hit) const { return tree().inFace(hit.triangle); }
+    int  faceOf(const RayHit& hit) const { return hit.face >= 0 ? hit.face : tree().faceOf(hit.triangle); }
+    int  localTriangle(const RayHit& hit) const { return hit.face >= 0 ? hit.inFace : tree().inFace(hit.triangle); }
     /// In the caller's space.
     void point(const RayHit& hit, double p[3]) const;
 

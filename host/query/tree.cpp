@@ -101,8 +101,11 @@ void Tree::addTo(std::vector<Block>& blocks, const float* points, const Topology
     std::fill_n(&b.v[0][0][0], 36, std::numeric_limits<float>::quiet_NaN());
     for (int lane = 0; lane < 4; ++lane) {
         b.id[lane] = lane < count ? ids[lane] : std::numeric_limits<int>::max();
+        b.face[lane] = b.inFace[lane] = -1;
         if (lane >= count)
             continue;
+        b.face[lane] = faceOf(ids[lane]);
+        b.inFace[lane] = inFace(ids[lane]);
         const Corners c = cornersOf(points, topology, corners, ids[lane]);
         for (int vertex = 0; vertex < 3; ++vertex)
             for (int axis = 0; axis < 3; ++axis)

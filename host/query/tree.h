@@ -42,6 +42,7 @@ struct RayHit
     double w[3] = {};      ///< barycentric coordinates: weights of the triangle's vertices
     Vec3   point;
     int    triangle = -1;
+    int    face = -1, inFace = -1;   ///< of hits in a tree; -1 of a triangle that was tested alone
 };
 
 struct Nearest
@@ -83,17 +84,17 @@ public:
     int    faceOf(int triangle) const { return faces_[size_t(triangle)].face; }
     /// The triangle's number in its face.
     int    inFace(int triangle) const { return faces_[size_t(triangle)].triangle; }
-    /// Brings both near: the table is large, and hits come from all over it.
-    void   prefetchFace(int triangle) const { __builtin_prefetch(faces_.data() + triangle); }
     size_t triangleCount() const { return count_; }
     size_t nodeCount() const { return nodes_.size(); }
     size_t bytes() const;
 
-    /// Up to four triangles, coordinate by coordinate. Unused lanes are NaN and have no id.
-    struct alignas(32) Block
+    /// Up to four triangles, coordinate by coordinate, with all that a hit tells of them: three lines of the cache.
+    /// Unused lanes are NaN and have no id.
+    struct alignas(64) Block
     {
         float   v[3][3][4];   ///< [vertex][axis][lane]
         int32_t id[4];
+        int32_t face[4], inFace[4];
     };
     // for the kernels
     const BvhNode* nodes() const { return nodes_.data(); }
