@@ -93,7 +93,7 @@ public:
         command += face;
         MIntArray        faces;
         std::vector<int> piece;
-        if (MGlobal::executeCommand(command + " " + name_, faces, false, false))
+        if (name_.length() > 0 && MGlobal::executeCommand(command + " " + name_, faces, false, false))
             for (unsigned int i = 0; i < faces.length(); ++i)
                 piece.push_back(faces[i]);
         return piece;
