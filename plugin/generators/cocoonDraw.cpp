@@ -116,13 +116,16 @@ void loadMatrix(GLenum mode, const MMatrix& matrix)
     glLoadMatrixd(&matrix.matrix[0][0]);
 }
 
+const cocoon* cocoonAt(const MDagPath& path)
+{
+    return path.isValid() ? dynamic_cast<const cocoon*>(MFnDependencyNode(path.node()).userNode()) : nullptr;
+}
+
 /// The viewport need not have loaded the matrices of the fixed pipeline.
 void drawCallback(const MHWRender::MDrawContext& context, const MUserData* userData)
 {
     const auto* data = dynamic_cast<const CocoonData*>(userData);
-    if (!data || !data->path.isValid())
-        return;
-    const auto* node = dynamic_cast<const cocoon*>(MFnDependencyNode(data->path.node()).userNode());
+    const cocoon* node = data ? cocoonAt(data->path) : nullptr;
     if (!node)
         return;
     loadMatrix(GL_PROJECTION, context.getMatrix(MHWRender::MFrameContext::kProjectionMtx));
@@ -173,5 +176,7 @@ MUserData* CocoonDrawOverride::prepareForDraw(const MDagPath& object, const MDag
     if (!data)
         data = new CocoonData;
     data->path = object;
+    if (const cocoon* node = cocoonAt(object))
+        node->drawn();   // evaluated now, while the graph may be; drawing finds it done
     return data;
 }

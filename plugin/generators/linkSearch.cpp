@@ -219,15 +219,22 @@ public:
             Rows   rows(cells, begin);
             Around around;
             std::size_t told = 0;   // links that the total knows of
-            for (std::size_t c = begin; c < end && total_.load(std::memory_order_relaxed) <= most_; ++c) {
+            const auto  isTooMany = [&] {
+                total_ += found->to.size() - told;
+                told = found->to.size();
+                return total_ > most_;
+            };
+            for (std::size_t c = begin; c < end; ++c) {
                 rows.moveTo(c);
                 if (rows.total < count_)
                     around.fill(cells, rows);
-                for (std::size_t k = cells.cells[c].first; k < cells.cells[c + 1].first; ++k)
+                for (std::size_t k = cells.cells[c].first; k < cells.cells[c + 1].first; ++k) {
                     addLinks(cells.order[k], around, rows.total, room(taken, cells.order[k]), *found);
-                if (c + 1 == end || found->to.size() - told > 10000)
-                    total_ += found->to.size() - std::exchange(told, found->to.size());
+                    if (found->to.size() - told > 10000 && isTooMany())
+                        return;
+                }
             }
+            isTooMany();
             const std::lock_guard<std::mutex> lock(mutex_);
             found_.push_back(std::move(found));
         });

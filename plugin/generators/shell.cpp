@@ -93,7 +93,7 @@ public:
         command += face;
         MIntArray        faces;
         std::vector<int> piece;
-        if (MGlobal::executeCommand(command + " " + name_, faces, false, false))
+        if (name_.length() > 0 && MGlobal::executeCommand(command + " " + name_, faces, false, false))
             for (unsigned int i = 0; i < faces.length(); ++i)
                 piece.push_back(faces[i]);
         return piece;
@@ -359,29 +359,61 @@ void writeVectors(MDataBlock& block, const MObject& attribute, const std::vector
     out.publish(block, attribute);
 }
 
-void writeShells(MDataBlock& block, const shells::Shells& found, const std::vector<shells::Box>& boxes, const Spread& spread)
+bool hasConnection(const MPlug& plug)
 {
-    MArrayDataHandle  list = block.outputArrayValue(shell::aOutShellData);
-    MArrayDataBuilder builder = list.builder();   // elements that stay are those that others may be connected to
-    for (unsigned int i = list.elementCount(); i-- > 0 && list.jumpToArrayElement(i);)
-        if (list.elementIndex() >= found.count())
-            builder.removeElement(list.elementIndex());
-    for (std::size_t s = 0; s < found.count(); ++s) {
-        MDataHandle       element = builder.addElement(static_cast<unsigned int>(s));
-        const std::size_t first = found.first[s], count = found.size(s);
-        const auto        put = [&](const MObject& attribute, OutArray::Kind kind, const std::vector<double>& all, std::size_t stride) {
-            element.child(attribute).set(arrayOf(kind, all, stride, first, count));
-        };
-        element.child(shell::aOutComp).set(componentsOf(found.begin(s), found.end(s)));
-        element.child(shell::aOutBoxCenter).set3Double(boxes[s].center[0], boxes[s].center[1], boxes[s].center[2]);
-        element.child(shell::aOutBoxScale).set3Double(boxes[s].size[0], boxes[s].size[1], boxes[s].size[2]);
-        put(shell::aOutPosPP, OutArray::kVectors, spread.positions, 3);
-        put(shell::aOutWeightPP, OutArray::kDoubles, spread.weights, 1);
-        put(shell::aOutRgbaPP, OutArray::kDoubles, spread.rgba, 4);
-        put(shell::aOutNormalPP, OutArray::kVectors, spread.normals, 3);
-        put(shell::aOutTangentPP, OutArray::kVectors, spread.tangents, 3);
-        put(shell::aOutRadiusPP, OutArray::kDoubles, spread.radii, 1);
+    bool any = plug.isConnected();
+    for (unsigned int i = 0; !any && plug.isCompound() && i < plug.numChildren(); ++i)
+        any = hasConnection(plug.child(i));
+    return any;
+}
+
+/// The element that a plug is a part of; -1 if it is no part of one.
+int elementOf(MPlug plug)
+{
+    while (plug.isChild())
+        plug = plug.parent();
+    return plug.isElement() ? static_cast<int>(plug.logicalIndex()) : -1;
+}
+
+void writeShell(MDataHandle element, const shells::Shells& found, std::size_t s, const shells::Box& box, const Spread& spread)
+{
+    const bool        isShell = s < found.count();
+    const std::size_t first = isShell ? found.first[s] : 0, count = isShell ? found.size(s) : 0;
+    const auto        put = [&](const MObject& attribute, OutArray::Kind kind, const std::vector<double>& all, std::size_t stride) {
+        element.child(attribute).set(arrayOf(kind, all, stride, first, count));
+    };
+    element.child(shell::aOutComp).set(componentsOf(found.vertices.data() + first, found.vertices.data() + first + count));
+    element.child(shell::aOutBoxCenter).set3Double(box.center[0], box.center[1], box.center[2]);
+    element.child(shell::aOutBoxScale).set3Double(box.size[0], box.size[1], box.size[2]);
+    put(shell::aOutPosPP, OutArray::kVectors, spread.positions, 3);
+    put(shell::aOutWeightPP, OutArray::kDoubles, spread.weights, 1);
+    put(shell::aOutRgbaPP, OutArray::kDoubles, spread.rgba, 4);
+    put(shell::aOutNormalPP, OutArray::kVectors, spread.normals, 3);
+    put(shell::aOutTangentPP, OutArray::kVectors, spread.tangents, 3);
+    put(shell::aOutRadiusPP, OutArray::kDoubles, spread.radii, 1);
+}
+
+/// An element a shell. Those past the shells go, but for the one asked for and those that others read: they are empty.
+void writeShells(MDataBlock& block, const MPlug& asked, const shells::Shells& found, const std::vector<shells::Box>& boxes,
+                 const Spread& spread)
+{
+    MArrayDataHandle          list = block.outputArrayValue(shell::aOutShellData);
+    MArrayDataBuilder         builder = list.builder();
+    const MPlug               elements(asked.node(), shell::aOutShellData);
+    std::vector<unsigned int> kept;
+    for (unsigned int i = list.elementCount(); i-- > 0 && list.jumpToArrayElement(i);) {
+        const unsigned int index = list.elementIndex();
+        if (index < found.count())
+            break;
+        if (static_cast<int>(index) == elementOf(asked) || hasConnection(elements.elementByLogicalIndex(index)))
+            kept.push_back(index);
+        else
+            builder.removeElement(index);
     }
+    for (std::size_t s = 0; s < found.count(); ++s)
+        writeShell(builder.addElement(static_cast<unsigned int>(s)), found, s, boxes[s], spread);
+    for (const unsigned int index : kept)
+        writeShell(builder.addElement(index), found, index, {}, spread);
     list.set(builder);
     list.setAllClean();
     writeVectors(block, shell::aOutCenters, boxes, &shells::Box::center);
@@ -476,7 +508,7 @@ MStatus shell::compute(const MPlug& plug, MDataBlock& block)
     const MPlug source(thisMObject(), aInMesh);
     if (state == kHasNoEffect || !source.isConnected() || inMesh.type() != MFnData::kMesh) {
         outMesh.copy(inMesh);                                            // copy through, connection test
-        writeShells(block, {}, {}, {});
+        writeShells(block, plug, {}, {}, {});
         return MS::kSuccess;
     }
 
@@ -492,6 +524,6 @@ MStatus shell::compute(const MPlug& plug, MDataBlock& block)
     std::vector<shells::Box> boxes = shells::boxesOf(found, xyz);
     const Spread             spread = apply(block, mesh, faces, found, boxes, xyz);
 
-    writeShells(block, found, boxes, spread);                            // write
+    writeShells(block, plug, found, boxes, spread);                            // write
     return outMesh.set(owner);
 }

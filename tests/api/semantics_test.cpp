@@ -10,6 +10,7 @@
 #include <maya/MDistance.h>
 #include <maya/MDoubleArray.h>
 #include <maya/MFnDependencyNode.h>
+#include <maya/MFnDoubleArrayData.h>
 #include <maya/MFnMesh.h>
 #include <maya/MFnMeshData.h>
 #include <maya/MFnNumericAttribute.h>
@@ -50,7 +51,7 @@ public:
         block.setClean(plug);
         return MS::kSuccess;
     }
-    static inline MObject aIn, aMulti, aMesh, aAngle, aDistance, aTime, aOut, aOutMulti, aOutMesh;
+    static inline MObject aIn, aMulti, aMesh, aAngle, aDistance, aTime, aOut, aOutMulti, aOutArrays, aOutMesh;
     static inline std::function<void(MDataBlock&)> hook;
     static inline int computes = 0;
 };
@@ -74,6 +75,11 @@ MStatus probe::initialize()
     n.setUsesArrayDataBuilder(true);
     n.setStorable(false);
     addAttribute(aOutMulti);
+    aOutArrays = t.create("outArrays", "oar", MFnData::kDoubleArray);
+    t.setArray(true);
+    t.setUsesArrayDataBuilder(true);
+    t.setStorable(false);
+    addAttribute(aOutArrays);
     aOutMesh = t.create("outMesh", "oms", MFnData::kMesh);
     t.setStorable(false);
     addAttribute(aOutMesh);
@@ -233,6 +239,23 @@ TEST_F(Semantics, BuilderDropsWhatIsNotAddedAgain)
         block.outputArrayValue(probe::aMulti).builder(&status);
         EXPECT_NE(status, MS::kSuccess);   // does not say setUsesArrayDataBuilder
     });
+}
+
+TEST_F(Semantics, DataOfABuilderIsTakenOverAndOutlivesIt)
+{
+    for (const unsigned count : {3u, 1u}) {
+        inCompute([=](MDataBlock& block) {
+            MArrayDataHandle  out = block.outputArrayValue(probe::aOutArrays);
+            MArrayDataBuilder builder(&block, probe::aOutArrays, 0);
+            for (unsigned i = 0; i < count; ++i)
+                EXPECT_EQ(builder.addElement(i).set(MFnDoubleArrayData().create(MDoubleArray(2, 10.0 * i))), MS::kSuccess);
+            EXPECT_EQ(out.set(builder), MS::kSuccess);
+        });
+        const MPlug arrays = plug("p.outArrays");
+        ASSERT_EQ(arrays.numElements(), count);
+        MObject data = arrays.elementByLogicalIndex(count - 1).asMObject();
+        EXPECT_EQ(MFnDoubleArrayData(data)[1], 10.0 * (count - 1));
+    }
 }
 
 TEST_F(Semantics, NextAvailableTakesTheFirstFreeElement)

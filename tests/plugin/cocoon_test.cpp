@@ -147,11 +147,13 @@ TEST(CocoonLinks, AreTheSameWhenCellsAreSharedOut)
 
 TEST(CocoonLinks, TooManyAreRefusedWithoutBeingKept)
 {
-    const Cloud      points(3 * 2000, 1.0);
-    const web::Links links = web::linksWithin(points.data(), 2000, nullptr, 0, {0.0, 1.0, 0}, 100000);
-    EXPECT_TRUE(links.tooMany);
-    EXPECT_EQ(links.size(), 0u);
-    EXPECT_EQ(links.pointCount(), 2000u);
+    const Cloud points(3 * 2000, 1.0), oneApart = joined(points, {99, 0, 0});
+    for (const Cloud& cloud : {points, oneApart}) {
+        const web::Links links = web::linksWithin(cloud.data(), cloud.size() / 3, nullptr, 0, {0.0, 1.0, 0}, 100000);
+        EXPECT_TRUE(links.tooMany);
+        EXPECT_EQ(links.size(), 0u);
+        EXPECT_EQ(links.pointCount(), cloud.size() / 3);
+    }
     EXPECT_EQ(web::linksWithin(points.data(), 400, nullptr, 0, {0.0, 1.0, 0}, 100000).size(), 79800u);
 }
 
