@@ -1,8 +1,11 @@
 // shatter through the graph: laws of Voronoi cells, what it passes on as it is, and a scene that it leaves as it was.
 #include <gtest/gtest.h>
 
+#include <maya/MDGContext.h>
+#include <maya/MDGContextGuard.h>
 #include <maya/MFnMesh.h>
 #include <maya/MGlobal.h>
+#include <maya/MTime.h>
 
 #include <cmath>
 #include <random>
@@ -329,6 +332,32 @@ TEST_F(ShatterScene, IsAsBeforeWhoeverAsks)
             EXPECT_EQ(stateOfScene().nodes, before.nodes) << ask;
         }
     }
+}
+
+TEST_F(ShatterScene, AtAnotherTime)
+{
+    run("setKeyframe -t 1 -v 0 s.distance; setKeyframe -t 10 -v 0.25 s.distance; currentTime 1; select -r m.vtx[1:3] other");
+    EXPECT_NEAR(Pieces(result()).volume(), 1, 1e-4);
+    const SceneState before = stateOfScene();
+    {
+        const MDGContextGuard guard(MDGContext(MTime(10, MTime::uiUnit())));
+        const double          volume = Pieces(result()).volume();
+        EXPECT_GT(volume, 0.1);
+        EXPECT_LT(volume, 0.6);
+    }
+    EXPECT_TRUE(stateOfScene() == before);
+    EXPECT_NEAR(Pieces(result()).volume(), 1, 1e-4);
+}
+
+TEST_F(ShatterScene, NamesThatAreNotUnique)
+{
+    run("group -n a m; duplicate -n b a; setAttr \"b|m.tx\" 3; delete s");
+    run("createNode shatter -n s; connectAttr \"b|m|mShape.worldMesh[0]\" s.inGeometry; connectAttr arrays.cells s.inPositionPP;"
+        "setAttr s.autoEvaluate 1; setAttr s.printStatus 0; connectAttr \"b|m|mShape.worldInverseMatrix[0]\" s.inWorldInverseMatrix");
+    run("setAttr arrays.cells -type vectorArray 4 2.5 -0.5 -0.5 3.5 -0.5 -0.5 2.5 0.5 -0.5 2.5 -0.5 0.5");   // where b is
+    const Pieces pieces(result());
+    EXPECT_EQ(pieces.pieces.size(), 4u);
+    EXPECT_NEAR(pieces.volume(), 1, 1e-4);
 }
 
 TEST_F(ShatterScene, EvaluatedAgainGivesTheSame)
