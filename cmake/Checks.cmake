@@ -12,7 +12,7 @@ add_test(NAME plugin.Attributes COMMAND mirk run "${CMAKE_SOURCE_DIR}/tests/plug
 
 # random scenes against slow models in Python; MIRK_SEEDS=0-9999 in the environment runs these many
 foreach(node boundingObject attributeTransfer multiAttributeTransfer componentGroup converters
-             scatter)
+             cocoon copier scatter shell)
   add_test(NAME reference.${node} COMMAND mirk run "${CMAKE_SOURCE_DIR}/tests/reference/${node}_test.py")
 endforeach()
 
@@ -27,8 +27,15 @@ if(EXISTS /usr/share/glmark2/models/bunny.obj)
            --render "${CMAKE_BINARY_DIR}/wave.##.png" --width 160 --height 90)
   add_test(NAME example.path COMMAND mirk run "${CMAKE_SOURCE_DIR}/examples/path.py")
   set_tests_properties(example.path PROPERTIES ENVIRONMENT "MIRK_PATHS=3")
+  add_test(NAME example.scatter COMMAND mirk run "${CMAKE_SOURCE_DIR}/examples/scatter.py")
+  set_tests_properties(example.scatter PROPERTIES ENVIRONMENT "MIRK_THROWS=20000")
+  add_test(NAME example.cocoon COMMAND mirk run "${CMAKE_SOURCE_DIR}/examples/cocoon.py"
+           --render "${CMAKE_BINARY_DIR}/cocoon.png" --width 160 --height 90)
+  set_tests_properties(example.cocoon PROPERTIES ENVIRONMENT "MIRK_POINTS=1500")
 endif()
 
+add_test(NAME example.copies COMMAND mirk run "${CMAKE_SOURCE_DIR}/examples/copies.py")
+set_tests_properties(example.copies PROPERTIES ENVIRONMENT "MIRK_BUNNY=none;MIRK_COPIES=400")   # on a sphere
 add_test(NAME example.shatter COMMAND mirk run "${CMAKE_SOURCE_DIR}/examples/shatter.py"
          --render "${CMAKE_BINARY_DIR}/shatter.png" --width 160 --height 90)
 add_test(NAME example.volumes COMMAND mirk run "${CMAKE_SOURCE_DIR}/examples/volumes.py" --frames 11-13)

@@ -240,6 +240,30 @@ MItDependencyGraph::Direction MItDependencyGraph::currentDirection(MStatus* s) {
 MItDependencyGraph::Traversal MItDependencyGraph::currentTraversal(MStatus* s) { return reported(s, MS::kSuccess, walk_->traversal); }
 MItDependencyGraph::Level     MItDependencyGraph::currentLevel(MStatus* s) { return reported(s, MS::kSuccess, walk_->level); }
 MFn::Type MItDependencyGraph::currentFilter(MStatus* s) { return reported(s, MS::kSuccess, walk_->filter); }
+bool      MItDependencyGraph::isDirectionDownStream(MStatus* s) { return currentDirection(s) == kDownstream; }
+bool      MItDependencyGraph::isTraversalDepthFirst(MStatus* s) { return currentTraversal(s) == kDepthFirst; }
+
+MStatus MItDependencyGraph::toggleDirection()
+{
+    walk_->direction = walk_->direction == kDownstream ? kUpstream : kDownstream;
+    return walk_->start();
+}
+MStatus MItDependencyGraph::toggleTraversal()
+{
+    walk_->traversal = walk_->traversal == kDepthFirst ? kBreadthFirst : kDepthFirst;
+    return walk_->start();
+}
+MStatus MItDependencyGraph::toggleLevel()
+{
+    walk_->level = walk_->level == kNodeLevel ? kPlugLevel : kNodeLevel;
+    return walk_->start();
+}
+MStatus MItDependencyGraph::setCurrentFilter(const MFn::Type& filter)
+{
+    walk_->filter = filter;
+    return walk_->start();
+}
+MStatus   MItDependencyGraph::resetFilter() { return setCurrentFilter(MFn::kInvalid); }
 MStatus   MItDependencyGraph::enablePruningOnFilter()
 {
     walk_->pruneFiltered = true;

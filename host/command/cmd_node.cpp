@@ -96,8 +96,12 @@ void deleteHistory(Node& node)
                 for (Cell* top : maker->cells)
                     if (top)
                         walkCells(*top, [&](Cell& c) { used |= c.hasTargets(); });
-                if (!used && !maker->isDefault && !maker->dag)
+                if (used || maker->isDefault)
+                    continue;
+                if (!maker->dag)
                     edit::deleteNode(*maker);
+                else if (isShape(*maker) && boolAttr(*maker, "intermediateObject"))   // the original of the shape
+                    dag::deleteNode(*maker);
             }
         }
 }

@@ -59,7 +59,11 @@ Value primitive(Call& call)
 }
 
 /// Six surfaces below one transform.
-Value cube(Call& call) { return runMakerOfParts(call, kCube, {"top", "bottom", "left", "right", "front", "back"}); }
+Value cube(Call& call)
+{
+    static constexpr const char* kSides[] = {"top", "bottom", "left", "right", "front", "back"};
+    return runMaker(call, kCube, kSides);
+}
 
 constexpr Flag kCurve[] = {
     {"d", "degree", "f"}, {"p", "point", "lll", kCreate, true}, {"pw", "pointWeight", "lllf", kCreate, true}, {"ep", "editPoint", "lll", kCreate, true}, {"k", "knot", "f", kCreate, true},

@@ -118,7 +118,7 @@ Value cut(Call& call)
                 setDirection(call, target, node);
             setFromFlags(call, node);
         };
-        if (Node* node = applyModifier(target, "polyCut", call.str("name"), call.boolean("constructionHistory"), setUp))
+        if (Node* node = applyModifier(target, "polyCut", call.str("name"), call.boolean("constructionHistory", true), setUp))
             made.push_back(nodeName(*node));
     }
     return made.empty() ? Value() : Value(made);
@@ -137,7 +137,7 @@ Value closeBorders(Call& call)
     Strings made;
     for (const PolyTarget& target : polyTargets(call)) {
         const auto setUp = [&](Node& node) { setFromFlags(call, node); };
-        if (Node* node = applyModifier(target, "polyCloseBorder", call.str("name"), call.boolean("constructionHistory"), setUp))
+        if (Node* node = applyModifier(target, "polyCloseBorder", call.str("name"), call.boolean("constructionHistory", true), setUp))
             made.push_back(nodeName(*node));
     }
     return made.empty() ? Value() : Value(made);

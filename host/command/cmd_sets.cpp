@@ -15,8 +15,8 @@ constexpr Flag kSets[] = {
     {"add", "addElement", "s", kChange}, {"cl", "clear", "s", kChange}, {"cp", "copy", "s", kChange}, {"co", "color", "i", kAny}, {"eg", "edges", "", kAny},
     {"ep", "editPoints", "", kAny}, {"em", "empty", "", kChange}, {"fc", "facets", "", kAny}, {"fl", "flatten", "s", kChange},
     {"fe", "forceElement", "s", kChange}, {"in", "include", "s", kChange}, {"int", "intersection", "s", kChange}, {"ii", "isIntersecting", "s", kChange},
-    {"im", "isMember", "s", kChange}, {"l", "layer", "b", kAny}, {"n", "name", "s", kChange}, {"no", "nodesOnly", "", kQuery},
-    {"rm", "remove", "s", kChange}, {"r", "renderable", "", kAny}, {"s", "size", "", kQuery}, {"sp", "split", "s", kChange},
+    {"im", "isMember", "s", kChange}, {"l", "layer", "b", kAny}, {"n", "name", "s", kChange}, {"no", "nodesOnly", "", kQuery}, {"nss", "noSurfaceShader", "b", kCreate},
+    {"rm", "remove", "s", kChange}, {"r", "renderable", "b", kAny}, {"s", "size", "", kQuery}, {"sp", "split", "s", kChange},
     {"sub", "subtract", "s", kChange}, {"t", "text", "s", kAny}, {"un", "union", "s", kChange}, {"v", "vertices", "", kAny},
 };
 
@@ -62,13 +62,27 @@ std::vector<Item> operands(const Call& call)
     return out;
 }
 
+/// An object shows one shading group: all of them are in one partition.
+void joinRenderPartition(Node& group)
+{
+    Node* partition = scene().first("renderPartition");
+    if (!partition) {
+        partition = edit::createNode(findNodeType("partition"), "renderPartition");
+        edit::setNumber(cellOf(*partition, "partitionType"), 1);
+    }
+    sets::joinPartition(group, *partition);
+}
+
 Node& makeSet(const Call& call, const std::vector<Item>& members)
 {
     const std::string name = call.str("name", "set#");
-    Node* set = edit::createNode(findNodeType("objectSet"), name.empty() ? "set#" : name);
+    const bool        shading = call.boolean("renderable");
+    Node* set = edit::createNode(findNodeType(shading ? "shadingEngine" : "objectSet"), name.empty() ? "set#" : name);
+    if (shading)
+        joinRenderPartition(*set);
     int   restrictions = 0;
     for (const Restriction& r : kRestrictions)
-        if (call.has(r.flag)) {
+        if (call.has(r.flag) && (shading || std::string(r.flag) != "renderable")) {
             edit::setNumber(cellOf(*set, r.attribute), 1);
             ++restrictions;
         }

@@ -16,6 +16,7 @@
 #include "command/units_text.h"
 #include "command/value_text.h"
 #include "graph/evaluate.h"
+#include "dynamics/instancer.h"
 #include "nodes/shape_box.h"
 
 namespace mirk::command {
@@ -144,12 +145,12 @@ constexpr Flag kXform[] = {
 
 constexpr const char* kOrders[] = {"xyz", "yzx", "zxy", "xzy", "yxz", "zyx"};
 
-/// The points of a geometry; the corners of its box for a shape without points.
+/// The points of a geometry; the corners of its box for a shape without points and for an instancer.
 std::vector<MPoint> extent(Node& shape)
 {
     auto points = shapePoints(shape);
     double b[6];
-    if (points.empty() && nodes::shapeBox(shape, b))
+    if (points.empty() && (dynamics::isInstancer(shape) ? dynamics::instancesBox(shape, b) : nodes::shapeBox(shape, b)))
         for (int corner = 0; corner < 8; ++corner)
             points.push_back(MPoint(b[corner & 1 ? 3 : 0], b[corner & 2 ? 4 : 1], b[corner & 4 ? 5 : 2]));
     return points;
@@ -165,7 +166,7 @@ Value boundingBox(const Item& item, bool world)
         if (boolAttr(*p.node(), "intermediateObject"))
             return true;
         const MMatrix m = worldMatrix(p) * back;
-        if (p.node()->type->shape)
+        if (p.node()->type->shape || dynamics::isInstancer(*p.node()))
             for (const MPoint& point : extent(*p.node()))
             {
                 const MPoint q = point * m;

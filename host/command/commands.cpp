@@ -2,6 +2,7 @@
 
 #include "command/anim_commands.h"
 #include "command/cmd_util.h"
+#include "command/texture_commands.h"
 
 namespace mirk {
 
@@ -31,6 +32,8 @@ void registerCommands()
     registerKeyEditCommands();
     registerSetCommands();
     registerParticleCommands();
+    registerInstancerCommands();
+    registerShadingCommands();
 }
 
 }  // namespace mirk

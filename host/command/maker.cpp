@@ -128,21 +128,7 @@ bool isNoCreation(Call& call, const Maker& maker, Value& result)
     return result = Value(true), true;
 }
 
-Value runMaker(Call& call, const Maker& maker)
-{
-    Value result;
-    if (isNoCreation(call, maker, result))
-        return result;
-    Node& node = newMaker(call, maker);
-    if (!call.boolean("object", true))
-        return Value(Strings{nodeName(node)});
-    const bool history = call.boolean("constructionHistory", true);
-    Node*      transform = dag::createNode(findNodeType("transform"), call.str("name", maker.transformName));
-    addShape(maker, node, maker.output, *transform, history);
-    return made(*transform, node, history);
-}
-
-Value runMakerOfParts(Call& call, const Maker& maker, std::initializer_list<const char*> parts)
+Value runMaker(Call& call, const Maker& maker, std::span<const char* const> parts)
 {
     Value result;
     if (isNoCreation(call, maker, result))
@@ -152,11 +138,11 @@ Value runMakerOfParts(Call& call, const Maker& maker, std::initializer_list<cons
         return Value(Strings{nodeName(node)});
     const bool history = call.boolean("constructionHistory", true);
     Node*      whole = dag::createNode(findNodeType("transform"), call.str("name", maker.transformName));
-    int        number = 0;
-    for (const char* part : parts) {
-        Node* transform = dag::createNode(findNodeType("transform"), part + whole->name, whole);
-        addShape(maker, node, maker.output + (number ? std::to_string(number) : std::string()), *transform, history);
-        ++number;
+    if (parts.empty())
+        addShape(maker, node, maker.output, *whole, history);
+    for (size_t i = 0; i < parts.size(); ++i) {
+        Node* transform = dag::createNode(findNodeType("transform"), parts[i] + whole->name, whole);
+        addShape(maker, node, maker.output + (i ? std::to_string(i) : std::string()), *transform, history);
     }
     return made(*whole, node, history);
 }

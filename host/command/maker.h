@@ -23,9 +23,8 @@ void  setFromFlags(const Call& call, const Maker& maker, Node& node);
 bool  isNoCreation(Call& call, const Maker& maker, Value& result);
 
 /// Create: returns the transform and the maker (alone without history). Edit and query work on the maker of the object.
-Value runMaker(Call& call, const Maker& maker);
-/// The same for a node with several outputs (`output`, then with the numbers 1 ...): each part gets a transform of its
-/// own, named by its place before the name of the whole, below the transform that is returned.
-Value runMakerOfParts(Call& call, const Maker& maker, std::initializer_list<const char*> parts);
+/// With `parts`, for a node with several outputs (`output`, then with the numbers 1 ...): each part gets a transform of
+/// its own, named by its place before the name of the whole, below the transform that is returned.
+Value runMaker(Call& call, const Maker& maker, std::span<const char* const> parts = {});
 
 }  // namespace mirk::command

@@ -14,20 +14,19 @@ namespace {
 
 Cell& cellOf(Node& node, const char* attribute) { return *node.cell(node.findAttribute(attribute)); }
 
-/// The offsets that were put on a shape's points; none that are driven by connections.
+/// The offsets that were put on a shape's points; none if all are zero or one is driven by a connection.
 std::vector<Cell*> ownOffsets(Node& shape)
 {
     Cell& all = *shape.cell(dynamic_cast<nodes::GeometryShape&>(shape).attrs().offsets);
     std::vector<Cell*> out;
     for (size_t i = 0; i < all.elementCount(); ++i)
         out.push_back(all.elements->cells[i]);
+    bool any = false, driven = false;
     for (Cell* c : out) {
-        bool driven = false;
+        any |= c->number(0) != 0 || c->number(1) != 0 || c->number(2) != 0;
         walkCells(*c, [&](Cell& x) { driven |= x.source != nullptr; });
-        if (driven)
-            return {};
     }
-    return out;
+    return any && !driven ? out : std::vector<Cell*>();
 }
 
 /// Moves the offsets of the shape's points into a node behind `before`; that node's output, or `before` without offsets.
@@ -51,10 +50,20 @@ Cell& tweaked(Node& shape, Cell& before)
     return cellOf(*node, "output");
 }
 
+/// The mesh of a shape without history, offsets included; of object groups those that are stored, not those of sets.
+Ref<MeshData> ownMesh(Node& shape)
+{
+    const Ref<Data> data = readMesh(shape)->share();
+    auto&           mesh = static_cast<MeshData&>(*data);
+    const auto*     stored = dynamic_cast<MeshData*>(geometryCell(shape)->data());
+    mesh.body->groups = stored ? stored->body->groups : std::vector<GeometryBody::Group>();
+    return Ref<MeshData>(&mesh);
+}
+
 /// The shape that keeps the mesh of one that gets its first history.
 Node& originalOf(Node& shape)
 {
-    const Ref<Data> mesh = readMesh(shape)->share();
+    const Ref<MeshData> mesh = ownMesh(shape);
     for (Cell* offset : ownOffsets(shape))
         edit::removeElement(*offset);
     Node* original = dag::createNode(findNodeType("mesh"), shape.name + "Orig", transformOf(shape));
@@ -132,7 +141,7 @@ Node* applyModifier(const PolyTarget& target, const std::string& nodeType, const
 {
     if (history || hasHistory(*target.shape))
         return &insertModifier(target, nodeType, name, setUp);
-    const Ref<MeshData> after = modified(readMesh(*target.shape), target, nodeType, setUp);
+    const Ref<MeshData> after = modified(ownMesh(*target.shape), target, nodeType, setUp);
     for (Cell* offset : ownOffsets(*target.shape))
         edit::removeElement(*offset);
     setGeometry(*target.shape, after);

@@ -57,24 +57,20 @@ std::array<float, 9> normalsOf(const view::Matrix& m)
     return out;
 }
 
-float middleDepth(const Item& item, const view::Matrix& m)
+/// The middle of the item, in its own space.
+std::array<double, 3> middle(const Item& item)
 {
     const std::vector<float>& p = item.positions;
-    double low[3], high[3];
-    for (int c = 0; c < 3; ++c) {
-        low[c] = std::numeric_limits<double>::max();
-        high[c] = -low[c];
+    std::array<double, 3> out;
+    for (size_t c = 0; c < 3; ++c) {
+        double low = std::numeric_limits<double>::max(), high = -low;
         for (size_t i = c; i < p.size(); i += 3) {
-            low[c] = std::min<double>(low[c], p[i]);
-            high[c] = std::max<double>(high[c], p[i]);
+            low = std::min<double>(low, p[i]);
+            high = std::max<double>(high, p[i]);
         }
-        if (item.space == view::Space::kAnchored)
-            low[c] = high[c] = item.anchor[c];
+        out[c] = item.space == view::Space::kAnchored ? item.anchor[c] : 0.5 * (low + high);
     }
-    double z = m[14];
-    for (int c = 0; c < 3; ++c)
-        z += 0.5 * (low[c] + high[c]) * m[c * 4 + 2];
-    return static_cast<float>(-z);
+    return out;
 }
 
 }  // namespace
@@ -82,23 +78,39 @@ float middleDepth(const Item& item, const view::Matrix& m)
 Batch::Batch(const Item& item, const view::Camera& camera) : item_(&item)
 {
     const size_t vertexCount = item.positions.size() / 3;
-    const view::Matrix modelView = view::multiply(item.matrix, camera.view);
-    std::transform(modelView.begin(), modelView.end(), modelView_.begin(), [](double v) { return float(v); });
-    normalMatrix_ = normalsOf(modelView);
     hasColors_ = vertexCount && item.colors.size() >= vertexCount * 4;
     hasNormals_ = vertexCount && item.normals.size() >= vertexCount * 3;
     transparent_ = item.state.transparent || (hasColors_ ? anyAlphaBelowOne(item.colors) : item.state.color.a < 1);
     if (!vertexCount)
         return;
-    depth_ = middleDepth(item, modelView);
+    stand(camera);
     upload(validIndices(item.indices, cornerCount(item.primitive), vertexCount),
            item.primitive == Primitive::kTriangles ? validIndices(item.wire, 2, vertexCount) : std::vector<uint32_t>{});
+}
+
+void Batch::stand(const view::Camera& camera)
+{
+    const std::array<double, 3> m = middle(*item_);
+    const auto add = [&](const view::Matrix& matrix) {
+        const view::Matrix modelView = view::multiply(matrix, camera.view);
+        Place& place = places_.emplace_back();
+        std::transform(modelView.begin(), modelView.end(), place.modelView.begin(), [](double v) { return float(v); });
+        place.normalMatrix = normalsOf(modelView);
+        place.depth = static_cast<float>(-(m[0] * modelView[2] + m[1] * modelView[6] + m[2] * modelView[10] + modelView[14]));
+    };
+    if (item_->copies.empty())
+        add(item_->matrix);
+    for (const view::Matrix& matrix : item_->copies)
+        add(matrix);
+    if (transparent_)
+        std::stable_sort(places_.begin(), places_.end(), [](const Place& a, const Place& b) { return a.depth > b.depth; });
 }
 
 Batch::~Batch()
 {
     glDeleteVertexArrays(1, &array_);
     glDeleteBuffers(2, buffers_);
+    glDeleteTextures(1, &texture_);
 }
 
 void Batch::upload(const std::vector<uint32_t>& indices, const std::vector<uint32_t>& wire)
@@ -113,12 +125,13 @@ void Batch::upload(const std::vector<uint32_t>& indices, const std::vector<uint3
     glBindVertexArray(array_);
     glGenBuffers(2, buffers_);
     glBindBuffer(GL_ARRAY_BUFFER, buffers_[0]);
-    const size_t sizes[] = {vertexCount * 3, hasNormals_ ? vertexCount * 3 : 0, hasColors_ ? vertexCount * 4 : 0};
-    const float* data[] = {item.positions.data(), item.normals.data(), item.colors.data()};
-    const GLint  widths[] = {3, 3, 4};
-    glBufferData(GL_ARRAY_BUFFER, GLsizeiptr((sizes[0] + sizes[1] + sizes[2]) * sizeof(float)), nullptr, GL_STATIC_DRAW);
+    const bool   textured = item.texture && item.uvs.size() >= vertexCount * 2;
+    const size_t sizes[] = {vertexCount * 3, hasNormals_ ? vertexCount * 3 : 0, hasColors_ ? vertexCount * 4 : 0, textured ? vertexCount * 2 : 0};
+    const float* data[] = {item.positions.data(), item.normals.data(), item.colors.data(), item.uvs.data()};
+    const GLint  widths[] = {3, 3, 4, 2};
+    glBufferData(GL_ARRAY_BUFFER, GLsizeiptr((sizes[0] + sizes[1] + sizes[2] + sizes[3]) * sizeof(float)), nullptr, GL_STATIC_DRAW);
     size_t start = 0;
-    for (GLuint a = 0; a < 3; ++a) {
+    for (GLuint a = 0; a < 4; ++a) {
         if (!sizes[a])
             continue;
         glBufferSubData(GL_ARRAY_BUFFER, GLintptr(start * sizeof(float)), GLsizeiptr(sizes[a] * sizeof(float)), data[a]);
@@ -126,6 +139,8 @@ void Batch::upload(const std::vector<uint32_t>& indices, const std::vector<uint3
         glEnableVertexAttribArray(a);
         start += sizes[a];
     }
+    if (textured)
+        uploadTexture();
     glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, buffers_[1]);
     const GLsizeiptr first = GLsizeiptr(indices.size() * 4), second = GLsizeiptr(wire.size() * 4);
     glBufferData(GL_ELEMENT_ARRAY_BUFFER, first + second, nullptr, GL_STATIC_DRAW);
@@ -133,9 +148,27 @@ void Batch::upload(const std::vector<uint32_t>& indices, const std::vector<uint3
     glBufferSubData(GL_ELEMENT_ARRAY_BUFFER, first, second, wire.data());
 }
 
+void Batch::uploadTexture()
+{
+    const view::Texture& t = *item_->texture;
+    if (t.width < 1 || t.height < 1 || t.rgba.size() < size_t(t.width) * size_t(t.height) * 4)
+        return;
+    glGenTextures(1, &texture_);
+    glBindTexture(GL_TEXTURE_2D, texture_);
+    glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
+    glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA8, t.width, t.height, 0, GL_RGBA, GL_UNSIGNED_BYTE, t.rgba.data());
+    glGenerateMipmap(GL_TEXTURE_2D);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR_MIPMAP_LINEAR);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
+}
+
 void Batch::draw() const
 {
     glBindVertexArray(array_);
+    if (texture_)
+        glBindTexture(GL_TEXTURE_2D, texture_);
     if (indexed_)
         glDrawElements(mode(item_->primitive), count_, GL_UNSIGNED_INT, nullptr);
     else

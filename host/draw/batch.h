@@ -22,25 +22,32 @@ public:
     bool  transparent() const { return transparent_; }
     bool  hasColors() const { return hasColors_; }
     bool  hasNormals() const { return hasNormals_; }
+    bool  hasTexture() const { return texture_ != 0; }  ///< then draw() takes it from texture unit 0
     bool  hasWire() const { return wireCount_ > 0; }
     bool  empty() const { return count_ == 0; }
-    float depth() const { return depth_; }              ///< distance of the middle from the eye, along its axis
+    float depth() const { return places_.empty() ? 0 : places_.front().depth; }   ///< distance of the middle from the eye, along its axis
 
-    const std::array<float, 16>& modelView() const { return modelView_; }
-    const std::array<float, 9>&  normalMatrix() const { return normalMatrix_; }
+    /// Where the item stands: once, or once a copy; what is transparent from far to near.
+    struct Place
+    {
+        std::array<float, 16> modelView{};
+        std::array<float, 9>  normalMatrix{};
+        float                 depth = 0;
+    };
+    const std::vector<Place>& places() const { return places_; }
 
     void draw() const;
     void drawWire() const;
 
 private:
+    void stand(const view::Camera& camera);
+    void uploadTexture();
     void upload(const std::vector<uint32_t>& indices, const std::vector<uint32_t>& wire);
 
-    const view::Item*     item_;
-    std::array<float, 16> modelView_{};
-    std::array<float, 9>  normalMatrix_{};
-    GLuint  array_ = 0, buffers_[2] = {0, 0};
+    const view::Item*  item_;
+    std::vector<Place> places_;
+    GLuint  array_ = 0, buffers_[2] = {0, 0}, texture_ = 0;
     GLsizei count_ = 0, wireCount_ = 0;
-    float   depth_ = 0;
     bool    indexed_ = false, transparent_ = false, hasColors_ = false, hasNormals_ = false;
 };
 

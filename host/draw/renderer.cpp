@@ -69,19 +69,25 @@ public:
         const Item& item = batch.item();
         const Color& c = wire ? item.state.wireColor : item.state.color;
         const bool points = item.primitive == Primitive::kPoints;
-        glUniformMatrix4fv(at("modelView"), 1, GL_FALSE, batch.modelView().data());
-        glUniformMatrix3fv(at("normalMatrix"), 1, GL_FALSE, batch.normalMatrix().data());
         glUniform3fv(at("anchor"), 1, item.anchor.data());
         glUniform1i(at("space"), int(item.space));
         glUniform1f(at("depthBias"), 4e-6f * float(std::min(item.state.depthPriority, 1000u)) + (wire ? 2e-6f : 0));
         glUniform4f(at("itemColor"), c.r, c.g, c.b, c.a);
         glUniform1i(at("hasColors"), batch.hasColors() && !wire);
         glUniform1i(at("hasNormals"), batch.hasNormals());
+        glUniform1i(at("hasTexture"), batch.hasTexture() && !wire);
+        glUniform1i(at("texture0"), 0);
         glUniform1i(at("lit"), item.state.lit && item.primitive == Primitive::kTriangles && !wire);
         glUniform1i(at("screenDoor"), item.state.screenDoor && item.primitive == Primitive::kTriangles && !wire);
         glUniform1i(at("roundPoint"), points && item.state.pointSize > 1.5f);
         glUniform1f(at("pointSize"), item.state.pointSize * scale_);
         glUniform1ui(at("id"), item.state.id);
+    }
+
+    void place(const Batch::Place& place)
+    {
+        glUniformMatrix4fv(at("modelView"), 1, GL_FALSE, place.modelView.data());
+        glUniformMatrix3fv(at("normalMatrix"), 1, GL_FALSE, place.normalMatrix.data());
     }
 
 private:
@@ -162,20 +168,27 @@ void drawBatch(const Frame& frame, ItemProgram& program, const Batch& batch, boo
         glEnable(GL_POLYGON_OFFSET_FILL);
         glPolygonOffset(1, 1);
     }
-    if (fill && backFirst && item.space == Space::kObject) {
+    const bool bothSides = fill && backFirst && item.space == Space::kObject;
+    for (const Batch::Place& place : batch.places()) {
+        program.place(place);
+        if (!bothSides) {
+            batch.draw();
+            continue;
+        }
         glEnable(GL_CULL_FACE);
         for (const GLenum hidden : {GL_FRONT, GL_BACK}) {
             glCullFace(hidden);
             batch.draw();
         }
         glDisable(GL_CULL_FACE);
-    } else {
-        batch.draw();
     }
     glDisable(GL_POLYGON_OFFSET_FILL);
     if (batch.hasWire()) {
         program.item(batch, true);
-        batch.drawWire();
+        for (const Batch::Place& place : batch.places()) {
+            program.place(place);
+            batch.drawWire();
+        }
     }
 }
 
@@ -210,6 +223,7 @@ void runCallback(const view::Callback& callback, const Camera& camera, const Tar
 {
     glUseProgram(0);
     glBindVertexArray(0);
+    glBindBuffer(GL_ARRAY_BUFFER, 0);   // arrays of a callback are in its own memory
     glPushAttrib(GL_ALL_ATTRIB_BITS);
     glPushClientAttrib(GL_CLIENT_ALL_ATTRIB_BITS);
     glMatrixMode(GL_PROJECTION);

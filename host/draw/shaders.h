@@ -8,6 +8,7 @@ inline constexpr const char* kItemVertex = R"(#version 330 compatibility
 layout(location = 0) in vec3 position;
 layout(location = 1) in vec3 normal;
 layout(location = 2) in vec4 color;
+layout(location = 3) in vec2 uv;
 uniform mat4 modelView, projection;
 uniform mat3 normalMatrix;
 uniform vec3 anchor;
@@ -17,8 +18,10 @@ uniform float pixelScale, depthBias;
 out vec3 eyePosition;
 centroid out vec3 eyeNormal;   // no extrapolation at silhouettes; the position is left out for its derivatives' sake
 centroid out vec4 vertexColor;
+centroid out vec2 place;
 void main()
 {
+    place = uv;
     vertexColor = color;
     eyeNormal = normalMatrix * normal;
     eyePosition = vec3(0.0);
@@ -42,9 +45,11 @@ inline constexpr const char* kItemFragment = R"(#version 330 compatibility
 in vec3 eyePosition;
 centroid in vec3 eyeNormal;
 centroid in vec4 vertexColor;
+centroid in vec2 place;
 uniform vec4 itemColor;
+uniform sampler2D texture0;
 uniform vec3 eyeUp;
-uniform bool hasColors, hasNormals, lit, screenDoor, roundPoint, perspective;
+uniform bool hasColors, hasTexture, hasNormals, lit, screenDoor, roundPoint, perspective;
 uniform float pointSize;
 out vec4 result;
 
@@ -73,6 +78,8 @@ vec3 shade(vec3 base)
 void main()
 {
     vec4 c = hasColors ? vertexColor : itemColor;
+    if (hasTexture)
+        c = vec4(texture(texture0, place).rgb, c.a);
     c = clamp(c, 0.0, 1.0);
     if (screenDoor && ((int(gl_FragCoord.x) + int(gl_FragCoord.y)) & 1) == 1)
         discard;

@@ -10,6 +10,7 @@
 
 #include "command/registry.h"
 #include "dag/dag.h"
+#include "data/dyn_arrays.h"
 #include "graph/access.h"
 #include "graph/edit.h"
 #include "graph/evaluate.h"
@@ -35,7 +36,7 @@ public:
     /// An attribute with its state at the start.
     struct Pair { MObject start, now; };
     static inline Pair    position, velocity, acceleration, mass, id;
-    static inline MObject worldPosition, worldVelocity, count, centroid, worldCentroid;
+    static inline MObject worldPosition, worldVelocity, count, centroid, worldCentroid, mapping, pointData, instanceData;
 };
 
 Particle::Pair pair(const char* name, const char* brief, MFnData::Type type)
@@ -63,6 +64,11 @@ MStatus Particle::initialize()
                        {"MultiPoint", "MultiStreak", "Numeric", "Points", "Spheres", "Sprites", "Streak", "Blobby Surface (s/w)", "Cloud (s/w)", "Tube (s/w)"}),
                 number("pointSize", "psz", Number::kInt, 2, 1, 60, kKey), number("radius", "rad", Number::kDouble, 0.5, kKey)});
 
+    mapping = typed("instanceAttributeMapping", "iam", MFnData::kStringArray);
+    pointData = typed("instancePointData", "ipd", MFnData::kDynArrayAttrs, kOut);
+    instanceData = compound("instanceData", "idt", {mapping, pointData}, kMulti);
+    nodes::add({instanceData});
+
     const MObject world = wrap(const_cast<Attribute*>(dagAttrs().worldMatrix)), box = wrap(const_cast<Attribute*>(dagAttrs().boundingBox));
     const Pair*   pairs[] = {&position, &velocity, &acceleration, &mass, &id};
     for (const Pair* p : pairs)
@@ -70,7 +76,10 @@ MStatus Particle::initialize()
     affects({position.start, position.now},
             {velocity.now, acceleration.now, mass.now, id.now, worldPosition, worldVelocity, count, centroid, worldCentroid, box});
     affects({velocity.start, velocity.now}, {worldVelocity});
-    affects({world}, {worldPosition, worldVelocity, worldCentroid});
+    affects({world}, {worldPosition, worldVelocity, worldCentroid, pointData});
+    affects({mapping, position.start, position.now, velocity.start, velocity.now, acceleration.start, acceleration.now, mass.start, mass.now,
+             id.start, id.now},
+            {pointData});
     return MS::kSuccess;
 }
 
@@ -129,8 +138,47 @@ Ref<Data> throughMatrix(const Ref<VectorBuffer>& from, const MMatrix& m, double 
     return make<VectorArrayData>(to);
 }
 
+/// What a mapping offers instancers: pairs of the name that they know an array by and a per-particle attribute.
+/// Positions are those in the world if nothing is said of them, and the ids come along.
+Ref<Data> mappedArrays(Node& particle, const Cell* mapping)
+{
+    std::vector<std::pair<std::string, std::string>> pairs = {{"position", "worldPosition"}, {"id", "particleId"}};
+    const auto* names = mapping ? dynamic_cast<const StringArrayData*>(mapping->data()) : nullptr;
+    for (size_t i = 0; names && i + 1 < names->buffer->size(); i += 2) {
+        const std::string option = (*std::as_const(*names).buffer)[i].asChar(), attribute = (*std::as_const(*names).buffer)[i + 1].asChar();
+        const auto        known = std::find_if(pairs.begin(), pairs.end(), [&](const auto& p) { return p.first == option; });
+        if (known == pairs.end())
+            pairs.emplace_back(option, attribute);
+        else
+            known->second = attribute;
+    }
+    auto out = make<DynArrayAttrsData>();
+    for (const auto& [option, attribute] : pairs)
+        if (const Cell* vectors = vectorCell(particle, attribute)) {
+            if (const auto* data = dynamic_cast<const VectorArrayData*>(vectors->data()))
+                out->channels.push_back({option, data->buffer});
+        } else if (const Cell* doubles = doubleCell(particle, attribute)) {
+            if (const auto* data = dynamic_cast<const DoubleArrayData*>(doubles->data()))
+                out->channels.push_back({option, data->buffer});
+        }
+    return out->share();
+}
+
+MStatus givePointData(Node& node, const MPlug& plug)
+{
+    Cell* cell = PlugAccess::cell(plug);
+    if (!cell || !cell->parent || !cell->parent->isElement())
+        return MS::kUnknownParameter;
+    Cell* mapping = cell->parent->child(0);
+    eval::pull(*mapping);
+    cell->setData(mappedArrays(node, mapping));
+    return MS::kSuccess;
+}
+
 MStatus Particle::compute(const MPlug& plug, MDataBlock& block)
 {
+    if (plug == pointData)
+        return givePointData(*HandleAccess::node(block), plug);
     const MObject top = plug.isChild() ? plug.parent().attribute() : plug.attribute();
     Node&         node = *HandleAccess::node(block);
     if (top == position.now) {
@@ -291,10 +339,22 @@ bool box(Node& particle, double out[6])
     return !at.empty();
 }
 
+/// Arrays that users add may go to instancers too.
+void dirtyInstanceData(Node& node, const Attribute& a, std::vector<Cell*>& also)
+{
+    findNodeType("deformableShape")->onDirty(node, a, also);
+    if (!a.is(Attribute::kDynamic))
+        return;
+    const Cell* all = node.cellIfAny(objectAs<Attribute>(Particle::instanceData));
+    for (Cell* element : all && all->elements ? all->elements->cells : std::vector<Cell*>())
+        also.push_back(element->childIfAny(1));
+}
+
 void registerTypes()
 {
-    registerRow({"particle", "deformableShape", 0x594D5054, MFn::kParticle, Particle::creator, Particle::initialize}, Role::shape);
-    registerRow({"nParticle", "particle", 0x4E504152, MFn::kNParticle, Particle::creator, nullptr}, Role::shape);
+    const auto hooks = [](NodeType& type) { type.onDirty = dirtyInstanceData; };
+    registerRow({"particle", "deformableShape", 0x594D5054, MFn::kParticle, Particle::creator, Particle::initialize}, Role::shape, hooks);
+    registerRow({"nParticle", "particle", 0x4E504152, MFn::kNParticle, Particle::creator, nullptr}, Role::shape, hooks);
 }
 
 }  // namespace mirk::dynamics

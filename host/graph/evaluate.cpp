@@ -568,7 +568,7 @@ void setReporter(void (*r)(const std::string&, bool)) { state().report = r; }
 
 void noteWritten(Cell& cell)
 {
-    if (state().depth > 0 && !cell.is(Cell::kWritten)) {
+    if (state().depth > 0 && !(cell.flags & (Cell::kWritten | Cell::kPrivate))) {   // private ones go with their builder
         cell.flags |= Cell::kWritten;
         state().written.push_back(&cell);
     }

@@ -69,11 +69,9 @@ Ref<MeshBody> makeBody(int vertexCount, int faceCount, const Points& points, con
         return {};
     auto xyz = make<Buffer<float>>(size_t(vertexCount) * 3);
     float* out = xyz->data();
-    for (unsigned i = 0; i < unsigned(vertexCount); ++i) {
-        *out++ = float(points[i].x);
-        *out++ = float(points[i].y);
-        *out++ = float(points[i].z);
-    }
+    const auto* p = begin(points);
+    for (int i = 0; i < vertexCount; ++i, ++p, out += 3)
+        out[0] = float(p->x), out[1] = float(p->y), out[2] = float(p->z);
     auto body = make<MeshBody>();
     body->reset(std::move(xyz), std::move(topology));
     return body;
@@ -83,9 +81,12 @@ bool setTable(MeshBody& body, const MFloatArray& u, const MFloatArray& v)
 {
     if (u.length() != v.length())
         return false;
-    auto uvs = make<Buffer<F2>>(u.length());
+    auto         uvs = make<Buffer<F2>>(u.length());
+    F2*          out = uvs->data();
+    const float* us = begin(u);
+    const float* vs = begin(v);
     for (unsigned i = 0; i < u.length(); ++i)
-        (*uvs)[i] = {u[i], v[i]};
+        out[i] = {us[i], vs[i]};
     body.writeUVSet(0).uvs = std::move(uvs);
     return true;
 }

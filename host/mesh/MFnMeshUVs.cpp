@@ -211,6 +211,23 @@ MStatus MFnMesh::getPolygonUVid(int face, int local, int& id, const MString* nam
     return MS::kSuccess;
 }
 
+namespace {
+
+/// True if every corner of every face gets an id.
+bool allAssigned(const Topology& t, const MIntArray& counts, size_t idCount)
+{
+    if (idCount != size_t(t.cornerCount()))
+        return false;
+    const int* count = begin(counts);
+    const int* offsets = t.offsets().data();
+    int        differs = 0;
+    for (int f = 0; f < t.faceCount(); ++f)
+        differs |= (offsets[f + 1] - offsets[f]) ^ count[f];
+    return !differs;
+}
+
+}  // namespace
+
 MStatus MFnMesh::assignUVs(const MIntArray& counts, const MIntArray& ids, const MString* name)
 {
     MeshBody* b = write();
@@ -218,6 +235,12 @@ MStatus MFnMesh::assignUVs(const MIntArray& counts, const MIntArray& ids, const 
     if (set < 0 || counts.length() != unsigned(b->faceCount()))
         return missing(b);
     const Topology& t = b->topology();
+    if (allAssigned(t, counts, ids.length())) {
+        if (!b->assignUVs(set, make<Buffer<int>>(begin(ids), ids.length())))
+            return MS::kInvalidParameter;
+        target_->changed();
+        return MS::kSuccess;
+    }
     auto assigned = make<Buffer<int>>(size_t(t.cornerCount()), -1);
     unsigned next = 0;
     for (int f = 0; f < t.faceCount(); ++f) {

@@ -107,7 +107,10 @@ private:
 class Closer
 {
 public:
-    Closer(const MeshBody& mesh, const ElementSet* edges) : mesh_(mesh), t_(mesh.topology()), edges_(edges && !edges->all() ? edges : nullptr) {}
+    Closer(const MeshBody& mesh, const ElementSet* edges)
+        : mesh_(mesh), t_(mesh.topology()), edges_(edges && !edges->all() ? edges : nullptr)
+    {
+    }
 
     Ref<MeshBody> run()
     {
@@ -175,18 +178,15 @@ private:
 
     void makePlan(const Buffer<int>& border)
     {
-        const size_t corners = size_t(t_.cornerCount()), faces = size_t(t_.faceCount()), added = loopVertices_.size();
+        const size_t corners = size_t(t_.cornerCount()), added = loopVertices_.size();
         plan_.points = mesh_.pointBuffer();
         plan_.keptVertices = t_.vertexCount();
         plan_.keptCorners = t_.cornerCount();
         plan_.keptFaces = t_.faceCount();
-        plan_.counts.resize(faces + loopSizes_.size());
-        for (size_t f = 0; f < faces; ++f)
-            plan_.counts[f] = t_.faceSize(int(f));
-        std::copy(loopSizes_.begin(), loopSizes_.end(), plan_.counts.begin() + faces);
-        plan_.connects.resize(corners + added);
-        std::copy_n(t_.connects().data(), corners, plan_.connects.data());
-        std::copy(loopVertices_.begin(), loopVertices_.end(), plan_.connects.begin() + corners);
+        for (int size : loopSizes_)
+            plan_.counts.push(size);
+        plan_.connects.resize(added);
+        std::copy(loopVertices_.begin(), loopVertices_.end(), plan_.connects.begin());
         plan_.cornerSource.resize(added);
         plan_.edgeSource.resize(added);
         std::fill(plan_.cornerSource.begin(), plan_.cornerSource.end(), int(MeshPlan::none));

@@ -100,7 +100,7 @@ private:
         float largest = 0;
         for (int i = 0; i < 3 * n; ++i) {
             const float a = std::fabs(p[i]);
-            largest = a > largest && a <= std::numeric_limits<float>::max() ? a : largest;
+            largest = std::max(largest, a <= std::numeric_limits<float>::max() ? a : 0.0f);
         }
         const Vec3   c = cut_.center, m = normal_;
         const double near = double(largest) * (1.0 / (1 << 21));
@@ -112,13 +112,13 @@ private:
                 side_[size_t(v)] = kNowhere;
         }
         for (int8_t s : side_)
-            ++counts_[s + 1];
+            sides_ |= 1u << (s + 1);
     }
 
     /// False if all vertices lie on sides where nothing is done.
     bool touches() const
     {
-        const int front = counts_[2], on = counts_[1], behind = counts_[0];
+        const bool front = sides_ & 4, on = sides_ & 2, behind = sides_ & 1;
         return cut_.behind == PlaneCut::keep ? front && behind : behind || on;
     }
 
@@ -366,7 +366,7 @@ private:
     Vec3              normal_;
     Buffer<double>    distance_;
     Buffer<int8_t>    side_;
-    int               counts_[4] = {};   ///< vertices behind, on, in front, nowhere
+    unsigned          sides_ = 0;        ///< that have vertices, as bits: behind, on, in front, nowhere
     Crossings         crossings_;
     Buffer<float>     newPoints_;
     FaceClipper       clipper_;

@@ -1,8 +1,10 @@
-// Clusters by a grid of cells that are as small as the distance allows: points of one cell always belong together, so
-// that dense points cost no more than sparse ones. Cells are named by doubles: far out, where a cell is less than the
-// step between two floats, only equal coordinates share one, as it should be.
+// Clusters by grids of cells: four distances wide, with all pairs of close cells, while few points share a cell; else so
+// small that the points of one cell always belong together, which makes dense points cost no more than sparse ones. Cells
+// are named by doubles: far out, where a cell is less than the step between two floats, only equal coordinates share one,
+// as it should be.
 #include "mesh/merge.h"
 
+#include <array>
 #include <bit>
 #include <cmath>
 
@@ -87,18 +89,23 @@ public:
 
     void joinNear(double distance)
     {
-        const double           cell = distance / 1.73206;   // its diagonal is the distance
-        const std::vector<int> candidates = notAlone(distance);
-        CellTable              cells(candidates.size());
-        std::vector<int>       next(root_.size(), -1);
-        for (int i : candidates)
-            if (const int other = next[size_t(i)] = cells.add(key(i, cell), i); other >= 0)
-                join(i, other);
-        const double limit = distance * (1 + 1e-6);
-        for (const bool far : {false, true})   // what near cells have joined needs no search
-            for (const CellTable::Slot& s : cells.slots)
-                if (s.head >= 0)
-                    joinNeighbours(cells, s, far, limit * limit, next);
+        const double     wide = distance * 4, limit = distance * (1 + 1e-6);
+        CellTable        cells(root_.size());
+        std::vector<int> next(root_.size(), -1);
+        for (int i = 0; i < count(); ++i)
+            if (finite(i))
+                next[size_t(i)] = cells.add(key(i, wide), i);
+        double pairs = 0;
+        for (const CellTable::Slot& s : cells.slots)
+            pairs += double(s.count) * s.count;
+        if (pairs > 32.0 * count())
+            return joinDense(cells, wide, distance, limit * limit);
+        for (int i = 0; i < count(); ++i)
+            closeCells(cells, i, wide, [&](const CellTable::Slot& s) {
+                for (int j = s.head; j >= 0; j = next[size_t(j)])
+                    if (j < i && distanceSq(i, j) <= limit * limit)
+                        join(i, j);
+            });
     }
 
     /// Empty if nothing was joined.
@@ -137,63 +144,75 @@ private:
         root_[size_t(std::max(a, b))] = std::min(a, b);
     }
 
-    /// Points that have others within some distances of them, seen on a coarse grid: of most meshes few.
-    std::vector<int> notAlone(double distance)
+    double distanceSq(int i, int j) const
     {
-        const double cell = distance * 4;
-        CellTable    cells(root_.size());
-        for (int i = 0; i < count(); ++i)
-            if (finite(i))
-                cells.add(key(i, cell), i);
-        std::vector<int> out;
-        for (int i = 0; i < count(); ++i) {
-            if (!finite(i))
-                continue;
-            const CellKey own = key(i, cell);
-            bool          alone = cells.at(own).count == 1;
-            int           step[3], side[3];   // the neighbours on whose side the point lies close
-            for (int k = 0; k < 3; ++k) {
-                const double part = at(i)[k] / cell - (&own.x)[k];
-                side[k] = part < 0.26 ? -1 : part > 0.74 ? 1 : 0;
-            }
-            for (int mask = 1; mask < 8 && alone; ++mask) {
-                bool wanted = true;
-                for (int k = 0; k < 3; ++k) {
-                    step[k] = mask >> k & 1 ? side[k] : 0;
-                    wanted &= !(mask >> k & 1) || side[k] != 0;
-                }
-                alone = !wanted || cells.at(plus(own, step)).head < 0 || plus(own, step) == own;
-            }
-            if (!alone)
-                out.push_back(i);
-        }
-        return out;
+        const double x = at(i)[0] - at(j)[0], y = at(i)[1] - at(j)[1], z = at(i)[2] - at(j)[2];
+        return x * x + y * y + z * z;
     }
 
-    void joinNeighbours(CellTable& cells, const CellTable::Slot& s, bool far, double limitSq, const std::vector<int>& next)
+    /// The point's own cell, and those beyond the sides that it is closer to than a quarter of a cell.
+    template <class Visit>
+    void closeCells(CellTable& cells, int i, double cell, Visit&& visit)
     {
-        int d[3];
-        for (d[0] = 0; d[0] <= 2; ++d[0])
-            for (d[1] = -2; d[1] <= 2; ++d[1])
-                for (d[2] = -2; d[2] <= 2; ++d[2]) {
-                    const bool behind = d[0] == 0 && (d[1] < 0 || (d[1] == 0 && d[2] <= 0));
-                    const bool isFar = d[0] == 2 || d[1] == 2 || d[1] == -2 || d[2] == 2 || d[2] == -2;
-                    if (behind || isFar != far)
-                        continue;
-                    const int other = cells.at(plus(s.key, d)).head;
+        if (!finite(i))
+            return;
+        const CellKey own = key(i, cell);
+        int           side[3];
+        for (int k = 0; k < 3; ++k) {
+            const double part = at(i)[k] / cell - (&own.x)[k];
+            side[k] = part < 0.26 ? -1 : part > 0.74 ? 1 : 0;
+        }
+        for (int mask = 0; mask < 8; ++mask) {
+            const int step[3] = {mask & 1 ? side[0] : 0, mask & 2 ? side[1] : 0, mask & 4 ? side[2] : 0};
+            bool      wanted = true;
+            for (int k = 0; k < 3; ++k)
+                wanted &= !(mask >> k & 1) || side[k] != 0;
+            const CellKey other = plus(own, step);
+            if (!wanted || (mask && other == own))
+                continue;
+            if (const CellTable::Slot& s = cells.at(other); s.head >= 0)
+                visit(s);
+        }
+    }
+
+    /// Where many points share a cell: cells so small that all points of one belong together.
+    void joinDense(CellTable& wideCells, double wide, double distance, double limitSq)
+    {
+        std::vector<int> candidates;
+        for (int i = 0; i < count(); ++i) {
+            int near = 0;
+            closeCells(wideCells, i, wide, [&](const CellTable::Slot& s) { near += s.count; });
+            if (near > 1)
+                candidates.push_back(i);
+        }
+        const double     cell = distance / 1.73206;   // its diagonal is the distance
+        CellTable        cells(candidates.size());
+        std::vector<int> next(root_.size(), -1);
+        for (int i : candidates)
+            if (const int other = next[size_t(i)] = cells.add(key(i, cell), i); other >= 0)
+                join(i, other);
+        for (const bool far : {false, true}) {   // what near cells have joined needs no search
+            std::vector<std::array<int, 3>> steps;
+            for (int x = 0; x <= 2; ++x)
+                for (int y = -2; y <= 2; ++y)
+                    for (int z = -2; z <= 2; ++z)
+                        if ((x > 0 || y > 0 || (y == 0 && z > 0)) && (std::max({x, std::abs(y), std::abs(z)}) == 2) == far)
+                            steps.push_back({x, y, z});
+            for (const CellTable::Slot& s : cells.slots)
+                for (size_t k = 0; k < steps.size() && s.head >= 0; ++k) {
+                    const int other = cells.at(plus(s.key, steps[k].data())).head;
                     if (other >= 0 && find(other) != find(s.head) && anyPair(s.head, other, limitSq, next))
                         join(s.head, other);
                 }
+        }
     }
 
     bool anyPair(int a, int b, double limitSq, const std::vector<int>& next) const
     {
         for (int i = a; i >= 0; i = next[size_t(i)])
-            for (int j = b; j >= 0; j = next[size_t(j)]) {
-                const double x = at(i)[0] - at(j)[0], y = at(i)[1] - at(j)[1], z = at(i)[2] - at(j)[2];
-                if (x * x + y * y + z * z <= limitSq)
+            for (int j = b; j >= 0; j = next[size_t(j)])
+                if (distanceSq(i, j) <= limitSq)
                     return true;
-            }
         return false;
     }
 

@@ -65,13 +65,10 @@ public:
         auto               to = make<Buffer<int>>(corners_.size());
         std::copy(from.begin(), from.begin() + corners_.kept, to->begin());
         blended_.clear();
+        int* out = to->begin() + corners_.kept;
         for (size_t i = 0; i < corners_.list.size(); ++i) {
-            const int    s = corners_.list[i];
-            const size_t c = size_t(corners_.kept) + i;
-            if (s >= 0)
-                (*to)[c] = from[size_t(s)];
-            else
-                (*to)[c] = s == MeshPlan::none ? -1 : ends(from, s, int(c));
+            const int s = corners_.list[i];
+            *out++ = s >= 0 ? from[size_t(s)] : s == MeshPlan::none ? -1 : ends(from, s, int(i));
         }
         const size_t old = table->size();
         Buffer<T>    values(table->data(), blended_.empty() ? 0 : old);
@@ -83,7 +80,7 @@ public:
     }
 
 private:
-    struct Blended { int corner, a, b; float t; };
+    struct Blended { int corner, a, b; float t; };   // of the corner the place in the list
     struct Known { int a, b; float t; int id, next; };
 
     /// The id if both ends have the same, -1 if one has none; else a note for later.
@@ -138,7 +135,7 @@ private:
                 out.push(mix(values[size_t(b.a)], values[size_t(b.b)], b.t));
                 first = k;
             }
-            ids[size_t(b.corner)] = known[size_t(k)].id;
+            ids[size_t(corners_.kept + b.corner)] = known[size_t(k)].id;
         }
     }
 
@@ -219,7 +216,43 @@ struct MeshRebuild
         auto l = make<LockedNormals>();
         locks(vertices, old.locked_->vertex, old.locked_->vertexLocked, l->vertex, l->vertexLocked);
         locks(corners, old.locked_->corner, old.locked_->cornerLocked, l->corner, l->cornerLocked);
+        freeNewCorners(*l);
         to.locked_ = std::move(l);
+    }
+
+    /// At a locked vertex that a new corner has come to, the others take the lock over.
+    void freeNewCorners(LockedNormals& l) const
+    {
+        if (l.vertexLocked.empty())
+            return;
+        const Buffer<int>& connects = to.topology().connects();
+        const auto isNew = [this](size_t c) {
+            return c >= size_t(plan.keptCorners) && plan.cornerSource[c - size_t(plan.keptCorners)] == MeshPlan::none;
+        };
+        Buffer<uint8_t> freed;
+        for (size_t c = size_t(plan.keptCorners); c < connects.size(); ++c)
+            if (isNew(c) && l.vertexLocked[size_t(connects[c])]) {
+                if (freed.empty()) {
+                    freed.resize(l.vertexLocked.size());
+                    std::fill(freed.begin(), freed.end(), uint8_t(0));
+                }
+                freed[size_t(connects[c])] = 1;
+            }
+        if (freed.empty())
+            return;
+        if (l.cornerLocked.empty()) {
+            l.corner.resize(connects.size());
+            l.cornerLocked.resize(connects.size());
+            std::fill(l.corner.begin(), l.corner.end(), F3{});
+            std::fill(l.cornerLocked.begin(), l.cornerLocked.end(), uint8_t(0));
+        }
+        for (size_t c = 0; c < connects.size(); ++c)
+            if (const size_t v = size_t(connects[c]); freed[v] && !isNew(c) && !l.cornerLocked[c]) {
+                l.corner[c] = l.vertex[v];
+                l.cornerLocked[c] = 1;
+            }
+        for (size_t v = 0; v < freed.size(); ++v)
+            l.vertexLocked[v] = l.vertexLocked[v] && !freed[v];
     }
 
     void hardEdges()
@@ -334,10 +367,9 @@ bool fits(const MeshBody& old, const MeshPlan& plan)
 {
     const size_t corners = plan.connects.size(), faces = plan.counts.size();
     return plan.points && plan.points->size() == 3 * (size_t(plan.keptVertices) + plan.vertexSource.size())
-           && corners == size_t(plan.keptCorners) + plan.cornerSource.size()
-           && corners == size_t(plan.keptCorners) + plan.edgeSource.size()
-           && faces == size_t(plan.keptFaces) + plan.faceSource.size() && plan.keptVertices <= old.vertexCount()
-           && plan.keptCorners <= old.cornerCount() && plan.keptFaces <= old.faceCount();
+           && corners == plan.cornerSource.size() && corners == plan.edgeSource.size() && faces == plan.faceSource.size()
+           && plan.keptVertices >= 0 && plan.keptVertices <= old.vertexCount() && plan.keptFaces >= 0
+           && plan.keptFaces <= old.faceCount() && plan.keptCorners == old.topology().first(plan.keptFaces);
 }
 
 }  // namespace
@@ -349,8 +381,11 @@ Ref<MeshBody> rebuild(const MeshBody& old, MeshPlan&& plan, std::string* why)
             *why = "the sources do not fit the elements";
         return {};
     }
-    Ref<Topology> topology = Topology::create(int(plan.points->size() / 3), plan.counts.data(), plan.counts.size(),
-                                              plan.connects.data(), plan.connects.size(), why);
+    const int  vertices = int(plan.points->size() / 3);
+    const int *counts = plan.counts.data(), *connects = plan.connects.data();
+    Ref<Topology> topology = plan.keptFaces
+        ? Topology::extended(old.topology(), plan.keptFaces, vertices, counts, plan.counts.size(), connects, plan.connects.size(), why)
+        : Topology::create(vertices, counts, plan.counts.size(), connects, plan.connects.size(), why);
     if (!topology)
         return {};
     auto body = make<MeshBody>();

@@ -1,6 +1,9 @@
 #include "mesh/topology.h"
 
 #include <climits>
+#include <cstring>
+#include <mutex>
+#include <vector>
 
 namespace mirk {
 
@@ -89,6 +92,26 @@ bool refuse(std::string* why, std::string reason)
     return false;
 }
 
+constexpr size_t kRun = 1024;   // compared without branches
+
+/// True if all of `n` numbers pass `bad(i) == 0`.
+template <class Bad>
+bool none(size_t n, Bad bad)
+{
+    size_t i = 0;
+    for (; i + kRun <= n; i += kRun) {
+        unsigned any = 0;
+        for (size_t k = 0; k < kRun; ++k)
+            any |= bad(i + k);
+        if (any)
+            return false;
+    }
+    for (; i < n; ++i)
+        if (bad(i))
+            return false;
+    return true;
+}
+
 bool check(int vertexCount, const int* counts, size_t faceCount, const int* connects, size_t cornerCount,
            std::string* why)
 {
@@ -103,12 +126,58 @@ bool check(int vertexCount, const int* counts, size_t faceCount, const int* conn
     if (total != cornerCount)
         return refuse(why, "the faces have " + std::to_string(total) + " vertices, but " + std::to_string(cornerCount)
                                + " are given");
+    if (none(cornerCount, [&](size_t c) { return unsigned(unsigned(connects[c]) >= unsigned(vertexCount)); }))
+        return true;
     for (size_t f = 0, c = 0; f < faceCount; ++f)
         for (const size_t end = c + size_t(counts[f]); c < end; ++c)
             if (connects[c] < 0 || connects[c] >= vertexCount)
                 return refuse(why, "face " + std::to_string(f) + " names vertex " + std::to_string(connects[c]) + " of "
                                        + std::to_string(vertexCount));
     return true;
+}
+
+/// Large topologies in use. A mesh that is made again with the same faces gets the same topology, and with it all that
+/// was derived from it. Those that nobody else holds go when the next topology is made.
+class InUse
+{
+public:
+    Ref<Topology> find(int vertexCount, const int* counts, size_t faceCount, const int* connects, size_t cornerCount)
+    {
+        std::lock_guard lock(mutex_);
+        std::erase_if(held_, [](const Ref<Topology>& t) { return t->unique(); });
+        if (cornerCount < kLarge)
+            return {};
+        for (const Ref<Topology>& t : held_) {
+            const int* offsets = t->offsets().data();
+            if (t->vertexCount() == vertexCount && size_t(t->faceCount()) == faceCount
+                && size_t(t->cornerCount()) == cornerCount
+                && none(faceCount, [&](size_t f) { return unsigned((offsets[f + 1] - offsets[f]) ^ counts[f]); })
+                && std::memcmp(t->connects().data(), connects, cornerCount * sizeof(int)) == 0)
+                return t;
+        }
+        return {};
+    }
+    void add(const Ref<Topology>& t)
+    {
+        if (size_t(t->cornerCount()) < kLarge)
+            return;
+        std::lock_guard lock(mutex_);
+        if (held_.size() == kMost)
+            held_.erase(held_.begin());
+        held_.push_back(t);
+    }
+
+private:
+    static constexpr size_t kLarge = 1 << 14, kMost = 8;   // corners; topologies
+
+    std::mutex                 mutex_;
+    std::vector<Ref<Topology>> held_;
+};
+
+InUse& inUse()
+{
+    static InUse* all = new InUse;   // never destroyed: static meshes may outlive it
+    return *all;
 }
 
 }  // namespace
@@ -118,15 +187,37 @@ Topology::Topology() : offsets_(1, 0) {}
 Ref<Topology> Topology::create(int vertexCount, const int* counts, size_t faceCount, const int* connects,
                                size_t cornerCount, std::string* why)
 {
+    if (Ref<Topology> same = inUse().find(vertexCount, counts, faceCount, connects, cornerCount))
+        return same;
+    Ref<Topology> t = extended(Topology(), 0, vertexCount, counts, faceCount, connects, cornerCount, why);
+    if (t)
+        inUse().add(t);
+    return t;
+}
+
+Ref<Topology> Topology::extended(const Topology& base, int baseFaces, int vertexCount, const int* counts, size_t faceCount,
+                                 const int* connects, size_t cornerCount, std::string* why)
+{
     if (!check(vertexCount, counts, faceCount, connects, cornerCount, why))
         return {};
+    const size_t baseCorners = size_t(base.first(baseFaces)), faces = size_t(baseFaces) + faceCount;
+    if (vertexCount < base.vertexCount() && baseFaces) {
+        refuse(why, "faces are kept, but not all vertices");
+        return {};
+    }
+    if (faces > INT_MAX - 1 || baseCorners + cornerCount > INT_MAX - 1) {
+        refuse(why, "counts out of range");
+        return {};
+    }
     auto t = make<Topology>();
     t->vertexCount_ = vertexCount;
-    t->offsets_.resize(faceCount + 1);
+    t->offsets_.resize(faces + 1);
+    std::copy_n(base.offsets_.data(), baseFaces + 1, t->offsets_.data());
     for (size_t f = 0; f < faceCount; ++f)
-        t->offsets_[f + 1] = t->offsets_[f] + counts[f];
-    t->connects_.resize(cornerCount);
-    std::copy(connects, connects + cornerCount, t->connects_.data());
+        t->offsets_[size_t(baseFaces) + f + 1] = t->offsets_[size_t(baseFaces) + f] + counts[f];
+    t->connects_.resize(baseCorners + cornerCount);
+    std::copy_n(base.connects_.data(), baseCorners, t->connects_.data());
+    std::copy_n(connects, cornerCount, t->connects_.data() + baseCorners);
     return t;
 }
 

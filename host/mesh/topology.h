@@ -49,6 +49,9 @@ public:
     /// that do not add up to the number of connects.
     static Ref<Topology> create(int vertexCount, const int* counts, size_t faceCount, const int* connects,
                                 size_t cornerCount, std::string* why = nullptr);
+    /// The first faces of another, which has no more vertices, and then those given.
+    static Ref<Topology> extended(const Topology& base, int baseFaces, int vertexCount, const int* counts, size_t faceCount,
+                                  const int* connects, size_t cornerCount, std::string* why = nullptr);
 
     int vertexCount() const { return vertexCount_; }
     int faceCount() const { return static_cast<int>(offsets_.size()) - 1; }

@@ -1,6 +1,8 @@
 // UV sets and colour sets of meshes.
 #include "mesh/mesh.h"
 
+#include <climits>
+
 namespace mirk {
 
 namespace {
@@ -18,8 +20,19 @@ bool idsFit(const Buffer<int>& ids, size_t corners, size_t table)
 {
     if (ids.size() != corners)
         return false;
-    for (int id : ids)
-        if (id < -1 || (id >= 0 && size_t(id) >= table))
+    const unsigned   most = unsigned(table < INT_MAX ? table : INT_MAX);
+    const int*       id = ids.data();
+    constexpr size_t run = 1024;   // compared without branches; -1 stands at 0
+    size_t           i = 0;
+    for (; i + run <= corners; i += run) {
+        unsigned outside = 0;
+        for (size_t k = 0; k < run; ++k)
+            outside |= unsigned(id[i + k]) + 1 > most;
+        if (outside)
+            return false;
+    }
+    for (; i < corners; ++i)
+        if (unsigned(id[i]) + 1 > most)
             return false;
     return true;
 }

@@ -8,6 +8,7 @@
 #include "command/registry.h"
 #include "dag/dag.h"
 #include "dag/selection_list.h"
+#include "dynamics/instancer.h"
 #include "dynamics/particle.h"
 #include "graph/edit.h"
 #include "graph/evaluate.h"
@@ -121,6 +122,7 @@ void registerBuiltinNodes()
     anim::registerCurveTypes();
     nodes::registerSetTypes();
     dynamics::registerTypes();
+    dynamics::registerInstancer();
     texture::registerTextureTypes();
     scene().onRemoved = selection::dropNode;
 }

@@ -10,6 +10,7 @@
 
 #include "dag/dag.h"
 #include "data/mobject.h"
+#include "dynamics/instancer.h"
 #include "graph/evaluate.h"
 #include "nodes/attr.h"
 #include "nodes/builtin.h"
@@ -343,6 +344,7 @@ void dirtyAcross(Node& node, const Attribute& a, std::vector<Cell*>& also)
         for (Node* parent : node.dag->parents)
             if (parent != &dag::world())
                 also.push_back(parent->cellIfAny(g.boundingBox));
+        dynamics::instancerBoxes(node, also);
     } else if (node.type->shape && !node.type->plugin.empty() && !node.isComputed(&a) && a.is(Attribute::kWritable)) {
         also.push_back(node.cellIfAny(g.boundingBox));   // only its own code knows what its box depends on
     }
@@ -471,6 +473,8 @@ bool nodeBox(Node& node, double box[6])
         if (std::any_of(own, own + 6, [](double v) { return v != 0; }))   // all zero: nothing below
             growBox(inner, innerEmpty, own, identity.matrix);
     }
+    if (double own[6]; dynamics::isInstancer(node) && dynamics::instancesBox(node, own))
+        growBox(inner, innerEmpty, own, identity.matrix);
     if (innerEmpty)
         return false;
     bool empty = true;

@@ -35,6 +35,19 @@ public:
     }
 };
 
+/// The set of what a shader is on.
+class ShadingEngine : public MPxNode
+{
+public:
+    static void*   creator() { return new ShadingEngine; }
+    static MStatus initialize()
+    {
+        add({triple("surfaceShader", "ss", Number::kFloat, 0, kReset, "RGB"), triple("volumeShader", "vs", Number::kFloat, 0, kReset, "RGB"),
+             triple("displacementShader", "ds", Number::kFloat, 0, kReset)});
+        return MS::kSuccess;
+    }
+};
+
 class Partition : public MPxNode
 {
 public:
@@ -132,6 +145,7 @@ void registerSetTypes()
     };
     for (const Row& row : rows)
         registerRow(row);
+    registerRow({"shadingEngine", "objectSet", 0x53484144, MFn::kShadingEngine, ShadingEngine::creator, ShadingEngine::initialize, "shadingEngine"});
 }
 
 }  // namespace mirk::nodes

@@ -82,11 +82,11 @@ Item withComponent(const Item& item, const Ref<Component>& component)
     return out;
 }
 
-/// Components stand on shapes, whatever they were named by.
-Item onShape(Item item)
+/// Components stand on shapes, whatever they were named by; so does all that a shader is on.
+Item onShape(const Node& set, Item item)
 {
     Node* node = item.path.node();
-    if (!item.component || !node || node->type->shape || !node->dag)
+    if (item.plug || !(item.component || set.type->isA("shadingEngine")) || !node || node->type->shape || !node->dag)
         return item;
     for (Node* child : node->dag->children)
         if (child->type->shape && !cellOf(*child, "intermediateObject")->number()) {
@@ -296,7 +296,7 @@ std::vector<Item> flattened(Node& set)
 
 bool contains(Node& set, const Item& given)
 {
-    const Item item = onShape(given);
+    const Item item = onShape(set, given);
     for (const Slot& s : slots(set)) {
         if (!sameObject(s.item, item))
             continue;
@@ -315,7 +315,7 @@ bool contains(Node& set, const Item& given)
 
 bool touches(Node& set, const Item& given)
 {
-    const Item item = onShape(given);
+    const Item item = onShape(set, given);
     for (const Slot& s : slots(set)) {
         if (!sameObject(s.item, item))
             continue;
@@ -331,7 +331,7 @@ bool touches(Node& set, const Item& given)
 
 void add(Node& set, const Item& given, bool force)
 {
-    const Item item = onShape(given);
+    const Item item = onShape(set, given);
     checkKind(set, item);
     if (contains(set, item))
         return;
@@ -356,7 +356,7 @@ void add(Node& set, const Item& given, bool force)
 
 void remove(Node& set, const Item& given)
 {
-    const Item item = onShape(given);
+    const Item item = onShape(set, given);
     for (const Slot& s : slots(set)) {
         if (!sameObject(s.item, item))
             continue;

@@ -73,14 +73,6 @@ struct Frame final : Placement
     }
 };
 
-MObject pair(const char* longName, const char* shortName, float value = 0, unsigned flags = kKey)
-{
-    const std::string l = longName, s = shortName;
-    const std::string stem = l == "repeatUV" ? "repeat" : l == "noiseUV" ? "noise" : l == "outUV" ? "out" : l;
-    return tuple(longName, shortName, {number((stem + "U").c_str(), (s + "u").c_str(), Number::kFloat, value, flags),
-                                       number((stem + "V").c_str(), (s + "v").c_str(), Number::kFloat, value, flags)}, flags);
-}
-
 MObject size(const char* longName, const char* shortName, unsigned flags)
 {
     const std::string l = longName, s = shortName;
@@ -96,22 +88,24 @@ public:
     {
         aUV = tuple("uvCoord", "uv", {number("uCoord", "u", Number::kFloat), number("vCoord", "v", Number::kFloat)});
         aFilterSize = size("uvFilterSize", "fs", kIn);
-        aCoverage = pair("coverage", "c", 1);
-        aTranslate = pair("translateFrame", "tf");
+        aCoverage = uvPair("coverage", "c", 1, kKey);
+        aTranslate = uvPair("translateFrame", "tf", 0, kKey);
         aRotate = unit("rotateFrame", "rf", Unit::kAngle, 0, kKey);
         aMirror[0] = number("mirrorU", "mu", Number::kBoolean, 0, kKey);
         aMirror[1] = number("mirrorV", "mv", Number::kBoolean, 0, kKey);
         aStagger = number("stagger", "s", Number::kBoolean, 0, kKey);
         aWrap[0] = number("wrapU", "wu", Number::kBoolean, 1, kKey);
         aWrap[1] = number("wrapV", "wv", Number::kBoolean, 1, kKey);
-        aRepeat = pair("repeatUV", "re", 1);
-        aOffset = pair("offset", "of");
+        aRepeat = uvPair("repeatUV", "re", 1, kKey);
+        aOffset = uvPair("offset", "of", 0, kKey);
         aRotateUV = unit("rotateUV", "r", Unit::kAngle, 0, kKey);
-        aNoise = pair("noiseUV", "n");
-        aOut = pair("outUV", "o", 0, kOut);
+        aNoise = uvPair("noiseUV", "n", 0, kKey);
+        aOut = uvPair("outUV", "o", 0, kOut);
         aOutFilterSize = size("outUvFilterSize", "ofs", kOut);
         add({aUV, aFilterSize, aCoverage, aTranslate, aRotate, aMirror[0], aMirror[1], aStagger, aWrap[0], aWrap[1], aRepeat, aOffset,
              aRotateUV, aNoise, aOut, aOutFilterSize});
+        for (const MObject& corner : corners())
+            add({corner});
         affects({aUV, aCoverage, aTranslate, aRotate, aMirror[0], aMirror[1], aStagger, aWrap[0], aWrap[1], aRepeat, aOffset, aRotateUV,
                  aNoise},
                 {aOut});
@@ -172,6 +166,27 @@ private:
 };
 
 }  // namespace
+
+MObject uvPair(const char* longName, const char* shortName, float value, unsigned flags)
+{
+    const std::string l = longName, s = shortName;
+    const std::string stem = l == "repeatUV" ? "repeat" : l == "noiseUV" ? "noise" : l == "outUV" ? "out" : l;
+    return tuple(longName, shortName, {number((stem + "U").c_str(), (s + "u").c_str(), Number::kFloat, value, flags),
+                                       number((stem + "V").c_str(), (s + "v").c_str(), Number::kFloat, value, flags)}, flags);
+}
+
+std::vector<MObject> corners()
+{
+    std::vector<MObject> out;
+    const char* const    names[3][4] = {{"vertexUvOne", "vt1", "t1u", "t1v"}, {"vertexUvTwo", "vt2", "t2u", "t2v"}, {"vertexUvThree", "vt3", "t3u", "t3v"}};
+    for (const auto& n : names) {
+        const std::string l = n[0];
+        out.push_back(tuple(n[0], n[1], {number((l + "U").c_str(), n[2], Number::kFloat), number((l + "V").c_str(), n[3], Number::kFloat)}, kHide));
+    }
+    out.push_back(tuple("vertexCameraOne", "vc1", {number("vertexCameraOneX", "c1x", Number::kFloat), number("vertexCameraOneY", "c1y", Number::kFloat),
+                                                   number("vertexCameraOneZ", "c1z", Number::kFloat)}, kHide));
+    return out;
+}
 
 void registerPlace2d()
 {

@@ -158,7 +158,7 @@ public:
             aHsv[i][0] = number(names[i][0], names[i][1], Number::kFloat, 0, 0, 1, kKey);
             aHsv[i][1] = number(names[i][2], names[i][3], Number::kFloat, 0.5, 0, 1, kKey);
         }
-        return declare({aType, aInterpolation, aEntries, aPosition, aColor, aWave[0], aWave[1], aNoise[0], aNoise[1], aHsv[0][0], aHsv[0][1],
+        return declare({aType, aInterpolation, aEntries, aWave[0], aWave[1], aNoise[0], aNoise[1], aHsv[0][0], aHsv[0][1],
                         aHsv[1][0], aHsv[1][1], aHsv[2][0], aHsv[2][1]});
     }
 

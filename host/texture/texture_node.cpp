@@ -106,6 +106,8 @@ void registerTextureTypes()
     registerPatterns();
     registerRamp();
     registerNoise();
+    registerFile();
+    registerLambert();
 }
 
 }  // namespace mirk::texture

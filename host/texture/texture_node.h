@@ -2,6 +2,7 @@
 #pragma once
 #include <initializer_list>
 #include <utility>
+#include <vector>
 
 #include <maya/MDataBlock.h>
 #include <maya/MDataHandle.h>
@@ -76,6 +77,11 @@ protected:
 
 MObject colorAttribute(const char* longName, const char* shortName, float r, float g, float b);
 
+/// Two numbers, U and V; the children of "repeatUV" and its like are called "repeatU" and "repeatV".
+MObject uvPair(const char* longName, const char* shortName, float value, unsigned flags);
+/// vertexUvOne, Two, Three and vertexCameraOne: a surface's corner as scene files hand it along.
+std::vector<MObject> corners();
+
 /// The built-in textures and their placement.
 void registerTextureTypes();
 
@@ -84,6 +90,8 @@ void registerPlace2d();
 void registerPatterns();
 void registerRamp();
 void registerNoise();
+void registerFile();
+void registerLambert();
 
 /// Registers a texture type on texture2d.
 void registerTexture(const char* name, unsigned id, MFn::Type type, void* (*creator)(), MStatus (*initialize)());

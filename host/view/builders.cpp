@@ -39,7 +39,7 @@ std::pair<double, double> halfExtent(const Lens& lens, double aspect)
     return byWidth ? std::pair{halfX, halfX / aspect} : std::pair{halfY * aspect, halfY};
 }
 
-/// Which item vertex each corner uses: corners of one mesh vertex share if normal and colour agree.
+/// Which item vertex each corner uses: corners of one mesh vertex share if normal, colour and UV agree.
 class Corners
 {
 public:
@@ -48,11 +48,13 @@ public:
     uint32_t vertex(size_t corner, Item& item, const Color& unset)
     {
         const auto meshVertex = static_cast<size_t>(mesh_.connects[corner]);
-        float look[7] = {0, 0, 0, unset.r, unset.g, unset.b, unset.a};
+        float look[9] = {0, 0, 0, unset.r, unset.g, unset.b, unset.a, 0, 0};
         if (hasNormals())
             std::copy_n(&mesh_.cornerNormals[corner * 3], 3, look);
         if (hasColors() && !(mesh_.cornerColors[corner * 4] < 0 && mesh_.cornerColors[corner * 4 + 3] < 0))
             std::copy_n(&mesh_.cornerColors[corner * 4], 4, look + 3);
+        if (hasUVs())
+            std::copy_n(&mesh_.cornerUVs[corner * 2], 2, look + 7);
         for (int v = first_[meshVertex]; v >= 0; v = next_[size_t(v)])
             if (same(item, size_t(v), look))
                 return static_cast<uint32_t>(v);
@@ -63,16 +65,20 @@ public:
             item.normals.insert(item.normals.end(), look, look + 3);
         if (hasColors())
             item.colors.insert(item.colors.end(), look + 3, look + 7);
+        if (hasUVs())
+            item.uvs.insert(item.uvs.end(), look + 7, look + 9);
         return static_cast<uint32_t>(next_.size() - 1);
     }
 
 private:
     bool hasNormals() const { return mesh_.cornerNormals.size() >= mesh_.connects.size() * 3; }
     bool hasColors() const { return mesh_.cornerColors.size() >= mesh_.connects.size() * 4; }
-    bool same(const Item& item, size_t v, const float look[7]) const
+    bool hasUVs() const { return !mesh_.cornerUVs.empty() && mesh_.cornerUVs.size() >= mesh_.connects.size() * 2; }
+    bool same(const Item& item, size_t v, const float look[9]) const
     {
         return (!hasNormals() || std::equal(look, look + 3, &item.normals[v * 3])) &&
-               (!hasColors() || std::equal(look + 3, look + 7, &item.colors[v * 4]));
+               (!hasColors() || std::equal(look + 3, look + 7, &item.colors[v * 4])) &&
+               (!hasUVs() || std::equal(look + 7, look + 9, &item.uvs[v * 2]));
     }
 
     const MeshArrays& mesh_;

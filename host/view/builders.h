@@ -32,6 +32,7 @@ struct MeshArrays
     std::span<const int>   triangles;       ///< 3 corners (places in connects) a triangle; else faces are cut into fans
     std::span<const float> cornerNormals;   ///< 3 a corner; else the shading shows facets
     std::span<const float> cornerColors;    ///< 4 a corner; with red and alpha below 0 the corner takes `state.color`
+    std::span<const float> cornerUVs;       ///< 2 a corner
 };
 
 /// Lit triangles; with `edges` the mesh's edges are in the wire array. Faces with a vertex out of range are left out.

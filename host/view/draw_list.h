@@ -4,6 +4,7 @@
 #include <array>
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -41,6 +42,13 @@ enum class Space : uint8_t
     kAnchored,  ///< x, y in pixels from where `anchor` (object space) falls on the picture; depth is the anchor's
 };
 
+/// A picture that covers triangles. Rows from the bottom, four bytes a pixel, as State's colours.
+struct Texture
+{
+    int                  width = 0, height = 0;
+    std::vector<uint8_t> rgba;
+};
+
 struct State
 {
     Color    color;                     ///< where the item has no colours of its own
@@ -65,10 +73,13 @@ struct Item
     Space                 space = Space::kObject;
     State                 state;
     Matrix                matrix = kIdentity;   ///< object to world
+    std::vector<Matrix>   copies;               ///< drawn once for each of these, in place of `matrix`, if there are any
     std::array<float, 3>  anchor{0, 0, 0};
     std::vector<float>    positions;
     std::vector<float>    normals;              ///< as many as positions, or empty: facets are found while shading
     std::vector<float>    colors;               ///< one a position, or empty
+    std::vector<float>    uvs;                  ///< 2 a position, or empty: (0, 0) is the texture's lower left corner, (1, 1) its upper right
+    std::shared_ptr<const Texture> texture;     ///< in place of the colour, but not of its alpha; may be null
     std::vector<uint32_t> indices;              ///< 1, 2 or 3 a primitive; empty: vertices in order
     std::vector<uint32_t> wire;                 ///< 2 an edge: drawn over the triangles in `wireColor`
     std::string           text;                 ///< what the item spells, if it is text

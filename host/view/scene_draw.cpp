@@ -12,9 +12,12 @@
 
 #include "dag/path_access.h"
 #include "data/mobject.h"
+#include "dynamics/instancer.h"
 #include "view/builders.h"
 #include "view/display_status.h"
 #include "view/draw_override.h"
+#include "view/instances.h"
+#include "view/material.h"
 #include "view/registry.h"
 #include "view/scene_items.h"
 
@@ -126,7 +129,7 @@ public:
             if (!showsItself(*path.node()))
                 return false;
             Node& node = *path.node();
-            if (node.type->shape || node.hasFn(MFn::kJoint) || dynamic_cast<MPxFieldNode*>(node.user.get()) ||
+            if (node.type->shape || node.hasFn(MFn::kJoint) || dynamics::isInstancer(node) || dynamic_cast<MPxFieldNode*>(node.user.get()) ||
                 dynamic_cast<MPxEmitterNode*>(node.user.get()))
                 shapes.push_back(path);
             return true;
@@ -168,6 +171,8 @@ private:
         Node& node = *path.node();
         if (node.hasFn(MFn::kJoint))
             addJoint(path, look, out_.list);
+        else if (dynamics::isInstancer(node))
+            addInstances(node, worldMatrix(path), look, out_.list);
         else if (addShapeItems(node, worldMatrix(path), look, out_.list))
             return;
         else if (auto* locator = dynamic_cast<MPxLocatorNode*>(node.user.get()))
@@ -180,7 +185,7 @@ private:
         }
     }
 
-    Look look(const Path& path, uint32_t id) const
+    Look look(const Path& path, uint32_t id)
     {
         using namespace MHWRender;
         const int  status = options_.selection ? displayStatus(path) : int(kDormant);
@@ -189,6 +194,8 @@ private:
         look.id = templated ? 0 : id;
         look.shaded = (options_.displayStyle & (MFrameContext::kGouraudShaded | MFrameContext::kFlatShaded)) && !templated;
         look.wire = options_.wireOnShaded || status == kActive || status == kLead || status == kHilite;
+        look.materials = &materials_;
+        look.instance = dag::instanceNumber(path);
         look.wireColor = options_.selection ? wireframeColor(path) : statusColor(kDormant);
         return look;
     }
@@ -196,6 +203,7 @@ private:
     const SceneDrawOptions& options_;
     FrameData               frame_;
     SceneDraw               out_;
+    Materials               materials_;
 };
 
 }  // namespace

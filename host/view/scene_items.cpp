@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include <maya/MColorArray.h>
+#include <maya/MFloatArray.h>
 #include <maya/MFloatPointArray.h>
 #include <maya/MFloatVectorArray.h>
 #include <maya/MFnMesh.h>
@@ -16,6 +18,7 @@
 #include "dynamics/particle.h"
 #include "view/builders.h"
 #include "view/display_status.h"
+#include "view/material.h"
 
 namespace mirk::view {
 
@@ -89,6 +92,88 @@ std::vector<float> cornerColors(const MFnMesh& mesh, Node& shape, size_t cornerC
     return out;
 }
 
+/// UVs of the current set, two a corner; empty if a face has none.
+std::vector<float> cornerUVs(const MFnMesh& mesh, size_t cornerCount)
+{
+    MFloatArray u, v;
+    MIntArray   counts, ids;
+    mesh.getUVs(u, v);
+    mesh.getAssignedUVs(counts, ids);
+    std::vector<float> out;
+    if (ids.length() != cornerCount)
+        return out;
+    out.reserve(cornerCount * 2);
+    for (unsigned i = 0; i < ids.length(); ++i)
+        out.insert(out.end(), {u[unsigned(ids[i])], v[unsigned(ids[i])]});
+    return out;
+}
+
+/// The tiles that UVs lie in; those far out are not counted.
+Tiles tilesOf(const std::vector<float>& uvs)
+{
+    constexpr float kFar = 1000;
+    float low[2] = {kFar, kFar}, high[2] = {-kFar, -kFar};
+    for (size_t i = 0; i < uvs.size(); ++i)
+        if (std::fabs(uvs[i]) < kFar) {
+            low[i % 2] = std::min(low[i % 2], uvs[i]);
+            high[i % 2] = std::max(high[i % 2], uvs[i]);
+        }
+    Tiles tiles{0, 0, 1, 1};
+    for (size_t k = 0; k < 2; ++k)
+        if (low[k] <= high[k]) {
+            tiles[k] = int(std::floor(low[k]));
+            tiles[k + 2] = std::max(int(std::ceil(high[k])), tiles[k] + 1);
+        }
+    return tiles;
+}
+
+/// Triangles of the faces of each shading group, those of no part first. Faces that are named twice go to the last.
+std::vector<std::vector<int>> split(const std::vector<int>& triangles, const std::vector<int>& counts, const ShadingGroups& groups)
+{
+    std::vector<size_t> partOf(counts.size(), 0), partOfCorner;
+    for (size_t p = 0; p < groups.parts.size(); ++p)
+        for (const int face : groups.parts[p].faces)
+            if (face >= 0 && size_t(face) < partOf.size())
+                partOf[size_t(face)] = p + 1;
+    for (size_t f = 0; f < counts.size(); ++f)
+        partOfCorner.insert(partOfCorner.end(), size_t(std::max(counts[f], 0)), partOf[f]);
+    std::vector<std::vector<int>> out(groups.parts.size() + 1);
+    for (size_t i = 0; i + 2 < triangles.size(); i += 3)
+        if (const size_t corner = size_t(triangles[i]); corner < partOfCorner.size())
+            out[partOfCorner[corner]].insert(out[partOfCorner[corner]].end(), &triangles[i], &triangles[i] + 3);
+    return out;
+}
+
+/// An item for each shading group of the mesh. `arrays` has all but UVs.
+void addMaterials(const MFnMesh& mesh, MeshArrays arrays, const ShadingGroups& groups, const State& plain, const Matrix& matrix,
+                  const Look& look, DrawList& list)
+{
+    const std::vector<int>           triangles(arrays.triangles.begin(), arrays.triangles.end());
+    const std::vector<int>           counts(arrays.counts.begin(), arrays.counts.end());
+    const std::vector<float>         uvs = cornerUVs(mesh, arrays.connects.size());
+    const Tiles                      tiles = tilesOf(uvs);
+    bool                             edges = look.wire;
+    const auto                       parts = split(triangles, counts, groups);
+    for (size_t p = 0; p < parts.size(); ++p) {
+        if (parts[p].empty())
+            continue;
+        Node*           group = p ? groups.parts[p - 1].group : groups.whole;
+        const Material* material = group ? look.materials->of(*group, tiles) : nullptr;
+        State           state = plain;
+        if (material)
+            state.color = material->color;
+        std::vector<float> placed;
+        if (material && material->texture)
+            for (size_t i = 0; i < uvs.size(); ++i)
+                placed.push_back((uvs[i] - material->low[i % 2]) / (material->high[i % 2] - material->low[i % 2]));
+        arrays.triangles = parts[p];
+        arrays.cornerUVs = placed;
+        Item item = meshItem(arrays, state, std::exchange(edges, false));
+        item.texture = material && !placed.empty() ? material->texture : nullptr;
+        place(std::move(item), matrix, list);
+    }
+}
+
 void addMesh(Node& shape, const Matrix& matrix, const Look& look, DrawList& list)
 {
     MStatus status;
@@ -118,7 +203,11 @@ void addMesh(Node& shape, const Matrix& matrix, const Look& look, DrawList& list
     arrays.cornerColors = colors;
     state.color = kSurface;
     state.wireColor = look.wireColor;
-    place(meshItem(arrays, state, look.wire), matrix, list);
+    const ShadingGroups groups = look.materials && colors.empty() ? shadingGroups(shape, look.instance) : ShadingGroups();
+    if (groups.none() || triangles.empty())
+        place(meshItem(arrays, state, look.wire), matrix, list);
+    else
+        addMaterials(mesh, arrays, groups, state, matrix, look, list);
 }
 
 void addCurve(Node& shape, const Matrix& matrix, const Look& look, DrawList& list)

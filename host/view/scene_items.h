@@ -6,6 +6,8 @@
 
 namespace mirk::view {
 
+class Materials;
+
 /// How an object is to be shown.
 struct Look
 {
@@ -13,6 +15,8 @@ struct Look
     bool  wire = false;       ///< lines over the shading
     Color wireColor;
     uint32_t id = 0;
+    Materials* materials = nullptr;   ///< null: shading groups do not show
+    unsigned   instance = 0;          ///< of the path that shows the object
 };
 
 /// A joint's ball and the bones to the joints below it. Display size does not follow the joint's scale.

@@ -1,6 +1,5 @@
 // Generators of geometry: the node types that are registered and await their work.
 #pragma once
-#include <maya/MPxLocatorNode.h>
 
 #include "core/registered.h"
 
@@ -11,22 +10,11 @@ class cage : public Registered<cage, MPxNode, 0x11576C> {};
 class mapToMesh : public Registered<mapToMesh, MPxNode, 0x115772> {};
 class meshToMap : public Registered<meshToMap, MPxNode, 0x115773> {};
 class pointCloudToMultiCurve : public Registered<pointCloudToMultiCurve, MPxNode, 0x115774> {};
-class shell : public Registered<shell, MPxNode, 0x11578B> {};
 class pointCloudToMesh : public Registered<pointCloudToMesh, MPxNode, 0x11578E> {};
 
-class cocoon : public Registered<cocoon, MPxLocatorNode, 0x115790>
-{
-public:
-    static inline MString drawDbClassification{"drawdb/geometry/cocoon"};
-    static inline MString drawRegistrantId{"CocoonNodePlugin"};
-};
-using CocoonDrawOverride = RegisteredOverride<cocoon>;
-
 class convexHull : public Registered<convexHull, MPxNode, 0x11579D> {};
-class copier : public Registered<copier, MPxNode, 0x1157A0> {};
 class stickyCurves : public Registered<stickyCurves, MPxNode, 0x115747> {};
 class voxelGrid : public Registered<voxelGrid, MPxNode, 0x1157A4> {};
-class extractor : public Registered<extractor, MPxNode, 0x1157A5> {};
 class curvesToPointCloud : public Registered<curvesToPointCloud, MPxNode, 0x1157B2> {};
 class blendCurves : public Registered<blendCurves, MPxNode, 0x1157B3> {};
 class resample : public Registered<resample, MPxNode, 0x1157BF> {};

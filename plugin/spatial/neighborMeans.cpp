@@ -4,7 +4,11 @@
 #include <cmath>
 #include <cstdint>
 #include <limits>
+#include <memory>
+#include <mutex>
+#include <utility>
 
+#include "core/parallel.h"
 #include "core/pointTree.h"
 
 namespace neighbors {
@@ -118,28 +122,56 @@ private:
 
 } // namespace
 
+namespace {
+
+/// Neighbours of the queries that one thread took.
+struct Part
+{
+    std::vector<int>    ids;
+    std::vector<double> distances;
+};
+
+/// Where the neighbours of a query stand.
+struct Place
+{
+    const Part* part = nullptr;
+    std::size_t start = 0;
+};
+
+} // namespace
+
 Result find(const PointTree& tree, const double* points, const double* queries, std::size_t queryCount, const Rule& rule,
             double* means)
 {
-    const std::vector<unsigned int> order = coherentOrder(queries, queryCount);
-    Search                   search(tree, points, queries, rule);
-    Result                   result;
-    std::vector<int>         ids;
-    std::vector<double>      distances;
-    std::vector<std::size_t> start(queryCount);   // in the order taken, of each query
+    const std::vector<unsigned int>    order = coherentOrder(queries, queryCount);
+    std::vector<std::unique_ptr<Part>> parts;
+    std::mutex                         partsMutex;
+    std::vector<Place>                 places(queryCount);
+    Result                             result;
     result.counts.resize(queryCount);
-    for (const unsigned int i : order) {
-        start[i] = ids.size();
-        result.counts[i] = search.add(i, means + 3 * std::size_t(i), ids, distances);
-    }
-    result.ids.resize(ids.size());
-    result.distances.resize(ids.size());
+    parallelFor(queryCount, 2000, [&](std::size_t begin, std::size_t end) {   // a query knows of no other
+        auto   part = std::make_unique<Part>();
+        Search search(tree, points, queries, rule);
+        for (std::size_t k = begin; k < end; ++k) {
+            const unsigned int i = order[k];
+            places[i] = {part.get(), part->ids.size()};
+            result.counts[i] = search.add(i, means + 3 * std::size_t(i), part->ids, part->distances);
+        }
+        const std::lock_guard<std::mutex> lock(partsMutex);
+        parts.push_back(std::move(part));
+    });
+    std::size_t total = 0;
+    for (const auto& part : parts)
+        total += part->ids.size();
+    result.ids.resize(total);
+    result.distances.resize(total);
     std::size_t to = 0;
     for (std::size_t i = 0; i < queryCount; ++i) {
         const auto n = static_cast<std::size_t>(result.counts[i]);
-        std::copy_n(ids.begin() + static_cast<std::ptrdiff_t>(start[i]), n, result.ids.begin() + static_cast<std::ptrdiff_t>(to));
-        std::copy_n(distances.begin() + static_cast<std::ptrdiff_t>(start[i]), n,
-                    result.distances.begin() + static_cast<std::ptrdiff_t>(to));
+        if (n == 0)
+            continue;
+        std::copy_n(&places[i].part->ids[places[i].start], n, &result.ids[to]);
+        std::copy_n(&places[i].part->distances[places[i].start], n, &result.distances[to]);
         to += n;
     }
     return result;

@@ -2,6 +2,7 @@
 
 #include <maya/MColor.h>
 #include <maya/MColorArray.h>
+#include <maya/MComputation.h>
 #include <maya/MDataHandle.h>
 #include <maya/MDoubleArray.h>
 #include <maya/MFloatPointArray.h>
@@ -88,6 +89,35 @@ MObject curveOf(const int* vertices, int count, const std::vector<float>& points
     return owner;
 }
 
+/// All vertices to all others may take hours: the user may end it, and keeps the paths found until then.
+class Interruption
+{
+public:
+    /// Asked before each pair. The first few cost too little to be ended.
+    bool isRequested()
+    {
+        constexpr std::size_t kFew = 8;
+        if (pairs_ == kFew)
+            computation_.beginComputation(false, true, false);
+        ended_ = pairs_ >= kFew && computation_.isInterruptRequested();
+        pairs_ += !ended_;
+        return ended_;
+    }
+    void tell(const MPlug& plug)
+    {
+        computation_.endComputation();
+        MString text(": Interrupted after ");
+        text += static_cast<double>(pairs_);
+        if (ended_)
+            warn(plug, text + " pairs. The paths that were found are kept.");
+    }
+
+private:
+    MComputation computation_;
+    std::size_t  pairs_ = 0;
+    bool         ended_ = false;
+};
+
 } // namespace
 
 MStatus shortestPath::initialize()
@@ -147,10 +177,15 @@ MStatus shortestPath::compute(const MPlug& plug, MDataBlock& block)
         const std::vector<char> blocked = obstacles(block, vertexCount);
         const paths::Rule       rule{block.inputValue(aIntersecting).asBool(), block.inputValue(aTravel).asBool()};
         const auto              exists = [&](int v) { return v >= 0 && v < vertexCount; };
+        Interruption            interruption;
         eachPair(block, vertexCount, [&](int start, int end, const paths::Limits& limits) {
+            if (interruption.isRequested())
+                return false;
             if (exists(start) && exists(end) && start != end)
                 paths::publish(graph_, finder_.find(graph_, start, end, blocked), rule, limits, found);
+            return true;
         });
+        interruption.tell(plug);
     }
 
     block.outputValue(aOutVertexComp).set(componentsOf(MFn::kMeshVertComponent, found.vertices));   // write
@@ -213,8 +248,9 @@ void shortestPath::eachPair(MDataBlock& block, int vertexCount, const Visit& vis
     const short mode = block.inputValue(aMode).asShort();
     if (mode == kExpression) {
         for (const paths::Pair& p : paths::parsePairs(block.inputValue(aExpression).asString().asChar()))
-            visit(p.start, p.end, {p.hasSteps ? p.maxSteps : limits.maxSteps,
-                                   p.hasDistance ? p.maxDistance : limits.maxDistance});
+            if (!visit(p.start, p.end, {p.hasSteps ? p.maxSteps : limits.maxSteps,
+                                        p.hasDistance ? p.maxDistance : limits.maxDistance}))
+                return;
         return;
     }
     const std::vector<int> starts = firstIndices(block.inputValue(aInStartComp).data(), vertexCount);
@@ -227,15 +263,17 @@ void shortestPath::eachPair(MDataBlock& block, int vertexCount, const Visit& vis
         if (maxDistances.kind == MFn::kDoubleArrayData && pair < maxDistances.length)
             limits.maxDistance = maxDistances.doubles[pair];
         ++pair;
-        visit(start, end, limits);
+        return visit(start, end, limits);
     };
     if (mode == kOneToOne) {
         for (std::size_t i = 0; i < std::min(starts.size(), ends.size()); ++i)
-            next(starts[i], ends[i]);
+            if (!next(starts[i], ends[i]))
+                return;
     } else if (mode == kAllToAll) {
         for (const int start : starts)
             for (const int end : ends)
-                next(start, end);
+                if (!next(start, end))
+                    return;
     }
 }
 

@@ -23,7 +23,8 @@ public:
         aOutEdgeComp, aOutCounts, aOutIndexPP, aOutPosPP, aOutStepPP, aOutDistancePP, aOutRgbaPP, aOutIndexPE, aOutCurves;
 
 private:
-    using Visit = std::function<void(int start, int end, const paths::Limits&)>;
+    /// False ends the walk through the pairs.
+    using Visit = std::function<bool(int start, int end, const paths::Limits&)>;
 
     void              updateGraph(MFnMesh& mesh, const std::vector<float>& points);
     std::vector<char> obstacles(MDataBlock& block, int vertexCount);

@@ -186,6 +186,23 @@ TEST(MeshRebuild, LockedNormals)
     }
 }
 
+TEST(MeshRebuild, NewFacesHaveNormalsOfTheirOwn)
+{
+    auto tube = make<MeshBody>(*cutByPlane(*primitives::cylinder(1, 2, 8, 1, 0), dropping({0, 0, 0}, {0, 1, 0})));
+    std::vector<F3>  up(size_t(tube->vertexCount()), F3{{0, 1, 0}});
+    std::vector<int> all;
+    for (int v = 0; v < tube->vertexCount(); ++v)
+        all.push_back(v);
+    tube->lockVertexNormals(up.data(), all.data(), all.size());
+    const Ref<MeshBody> closed = closeBorder(*tube);
+    ASSERT_EQ(closed->faceCount(), tube->faceCount() + 1);
+    for (int c = 0; c < closed->cornerCount(); ++c) {
+        const bool lid = c >= tube->cornerCount();
+        EXPECT_EQ(closed->normalLocked(c), !lid);
+        EXPECT_NEAR(closed->cornerNormals().at(c).v[1], lid ? -1 : 1, 1e-6);
+    }
+}
+
 TEST(MeshRebuild, RefusesPlansThatDoNotFit)
 {
     const Ref<MeshBody> cube = primitives::cube(1, 1, 1, 1, 1, 1);

@@ -141,3 +141,57 @@ TEST(MeshSharing, ConcurrentFirstReadersAgree)
                 EXPECT_EQ(seen[t][k], seen[0][k]);
     }
 }
+
+TEST(MeshSharing, TheSameFacesMadeAgain)
+{
+    const Ref<MeshBody> plane = primitives::plane(1, 1, 90, 90);   // large enough to be worth it
+    const MIntArray     counts(unsigned(plane->faceCount()), 4);
+    const Buffer<int>&  corners = plane->topology().connects();
+    const auto make = [&](const MIntArray& sizes, const std::vector<int>& connects) {
+        const MObject data = wrap(mirk::make<MeshData>());
+        MFnMesh().create(plane->vertexCount(), int(sizes.length()), MPointArray(unsigned(plane->vertexCount())), sizes,
+                         ints(connects), data);
+        return data;
+    };
+    std::vector<int> connects(corners.begin(), corners.end());
+    const MObject    first = make(counts, connects), second = make(counts, connects);
+    EXPECT_EQ(&bodyOf(first).topology(), &bodyOf(second).topology());
+
+    std::swap(connects[connects.size() - 1], connects[connects.size() - 2]);
+    const MObject other = make(counts, connects);
+    EXPECT_NE(&bodyOf(first).topology(), &bodyOf(other).topology());
+    EXPECT_EQ(bodyOf(other).topology().connects()[connects.size() - 1], connects.back());
+
+    MIntArray sizes = counts;   // as many faces and corners, shared out in another way
+    sizes[5000] = 5, sizes[5001] = 3;
+    const MObject uneven = make(sizes, connects);
+    EXPECT_EQ(bodyOf(uneven).topology().faceSize(5000), 5);
+    EXPECT_EQ(bodyOf(other).topology().faceSize(5000), 4);
+
+    for (const size_t place : {size_t(3), size_t(20000), connects.size() - 1})   // ids out of range, wherever they stand
+        for (const int id : {-1, plane->vertexCount()}) {
+            std::vector<int> wrong = connects;
+            wrong[place] = id;
+            EXPECT_EQ(MFnMesh(make(counts, wrong)).numVertices(), 0) << place;
+        }
+}
+
+TEST(MeshSharing, IdsOfManyUVs)
+{
+    const MObject data = dataOf(primitives::plane(1, 1, 40, 40));
+    MFnMesh       fn(data);
+    MIntArray     counts, ids, found;
+    ASSERT_TRUE(fn.getAssignedUVs(counts, ids));
+    for (const unsigned place : {0u, 2000u, ids.length() - 1}) {
+        MIntArray changed = ids;
+        changed[place] = -1;                       // no UV for this corner
+        EXPECT_TRUE(fn.assignUVs(counts, changed)) << place;
+        EXPECT_TRUE(fn.getAssignedUVs(counts, found));
+        EXPECT_EQ(found.length(), ids.length() - 1);
+        fn.getVertices(counts, found);
+        for (const int id : {-2, fn.numUVs()}) {
+            changed[place] = id;
+            EXPECT_FALSE(fn.assignUVs(counts, changed)) << place << ": " << id;
+        }
+    }
+}

@@ -87,16 +87,16 @@ TEST_F(PolyCut, CommandsEditQueryAndUndo)
 TEST_F(PolyCut, StoredMeshesAndDirections)
 {
     mel("delete -ch c");
-    mel("polyCut -cd \"x\" -df 1 c");
+    EXPECT_TRUE(mel("polyCut -ch 0 -cd \"x\" -df 1 c").isNone());
     expectBox({0, 1, -1, 1, -1, 1}, "x");
-    mel("polyCut -cd \"ry\" -df 1 c");
+    mel("polyCut -ch 0 -cd \"ry\" -df 1 c");
     expectBox({0, 1, -1, 0, -1, 1}, "ry");
     EXPECT_EQ(num("polyEvaluate -f c"), 4);
-    mel("polyCloseBorder c");
+    mel("polyCloseBorder -ch 0 c");
     EXPECT_EQ(num("polyEvaluate -f c"), 5);   // both cuts left one hole: a loop around two sides
     mel("undo");
     EXPECT_EQ(num("polyEvaluate -f c"), 4);
-    mel("undo; undo; polyCut -ef 1 -eo 0 -4 0 -cd \"y\" c");
+    mel("undo; undo; polyCut -ch 0 -ef 1 -eo 0 -4 0 -cd \"y\" c");
     expectBox({-1, 1, -5, 1, -1, 1}, "moved apart");
 }
 

@@ -3,6 +3,7 @@
 #include <maya/MFnDependencyNode.h>
 #include <maya/MFnGenericAttribute.h>
 
+#include <cstdlib>
 #include <functional>
 
 #include "graph/access.h"
@@ -284,9 +285,10 @@ TEST_F(NodeInputs, NoneCrashesANode)
 {
     const std::vector<Sample> all = samples::all();
     mirk::undo::setEnabled(false);
+    const char* only = std::getenv("MIRK_NODE");   // a node type, to look closer
     int nodes = 0;
     for (const NodeType* type : mirk::nodeTypes()) {
-        if (type->plugin != "mirk" || type->ownFirst >= type->table.size())
+        if (type->plugin != "mirk" || type->ownFirst >= type->table.size() || (only && type->name != only))
             continue;
         SCOPED_TRACE(type->name);
         run("file -force -new");
@@ -301,5 +303,5 @@ TEST_F(NodeInputs, NoneCrashesANode)
     }
     mirk::undo::setEnabled(true);
     run("file -force -new");
-    EXPECT_GE(nodes, 23);
+    EXPECT_GE(nodes, only ? 1 : 23);
 }

@@ -7,10 +7,17 @@
 #include <maya/MFnSingleIndexedComponent.h>
 
 #include <algorithm>
+#include <atomic>
+#include <chrono>
 #include <cmath>
+#include <csignal>
 #include <limits>
+#include <numeric>
 #include <random>
 #include <set>
+#include <thread>
+
+#include <unistd.h>
 
 #include "scene.h"
 
@@ -112,6 +119,33 @@ TEST_F(KdTree, AgreesWithBruteForce)
         }
         EXPECT_EQ(at, ids.size());
     }
+}
+
+TEST_F(KdTree, QueriesSharedAmongThreadsGiveWhatEachGivesAlone)
+{
+    const std::vector<double> tree = randomPoints(3000, 5), queries = randomPoints(5000, 6);
+    build(tree, queries);
+    run("setAttr k.count 6; setAttr k.radius 0.004");
+    const std::vector<int>     counts = ints("k.outCountPP"), ids = ints("k.outIdPP");
+    const std::vector<double>  distances = doubles("k.outDistancePP");
+    const std::vector<MVector> means = vectors("k.outAveragePositionPP");
+    std::vector<int>           fewCounts, fewIds;
+    std::vector<double>        fewDistances;
+    std::vector<MVector>       fewMeans;
+    const auto                 append = [](auto& to, const auto& from) { to.insert(to.end(), from.begin(), from.end()); };
+    for (std::ptrdiff_t from = 0; from < 5000; from += 1000) {   // too few to be shared
+        const std::vector<double> few(queries.begin() + 3 * from, queries.begin() + 3 * from + 3000);
+        run("connectAttr -force " + vectorSource("few" + std::to_string(from), few) + " k.inGeometry2");
+        append(fewCounts, ints("k.outCountPP"));
+        append(fewIds, ints("k.outIdPP"));
+        append(fewDistances, doubles("k.outDistancePP"));
+        append(fewMeans, vectors("k.outAveragePositionPP"));
+    }
+    EXPECT_GT(ids.size(), 5000u);
+    EXPECT_EQ(counts, fewCounts);
+    EXPECT_EQ(ids, fewIds);
+    EXPECT_EQ(distances, fewDistances);
+    EXPECT_EQ(means, fewMeans);
 }
 
 TEST_F(KdTree, CountsRadiiAndEdges)
@@ -502,3 +536,29 @@ TEST_F(Collisions, GeometryComponentsAndCoincidentPoints)
 }
 
 } // namespace
+
+TEST_F(Spatial, ManyPathsCanBeInterruptedAndThoseFoundStay)
+{
+    run("polyPlane -subdivisionsX 60 -subdivisionsY 60 -name p; createNode network -name n; addAttr -longName all -dataType componentList n;"
+        "setAttr n.all -type componentList 1 \"vtx[0:3720]\"; createNode shortestPath -name s; setAttr s.mode 1;"
+        "connectAttr pShape.outMesh s.inMesh; connectAttr n.all s.inStartComponents; connectAttr n.all s.inEndComponents");
+    const auto        before = std::signal(SIGINT, SIG_IGN);   // outside of the search it means nothing here
+    std::atomic<bool> done{false};
+    std::thread       user([&] {
+        for (; !done; std::this_thread::sleep_for(std::chrono::milliseconds(20)))
+            kill(getpid(), SIGINT);
+    });
+    Warnings               warnings;
+    const std::vector<int> counts = ints("s.outCounts");
+    done = true;
+    user.join();
+    std::signal(SIGINT, before);
+    EXPECT_GT(counts.size(), 5u);
+    EXPECT_LT(counts.size(), 3721u * 3720u);
+    EXPECT_EQ(ints("s.outIndexPP").size(), std::size_t(std::accumulate(counts.begin(), counts.end(), 0)));
+    ASSERT_EQ(warnings.texts.size(), 1u);
+    EXPECT_NE(warnings.texts[0].find("s: Interrupted after "), std::string::npos) << warnings.texts[0];
+    run("setAttr n.all -type componentList 1 \"vtx[0:3]\"");   // searched to the end again
+    EXPECT_EQ(ints("s.outCounts").size(), 12u);
+    EXPECT_EQ(warnings.texts.size(), 1u);
+}

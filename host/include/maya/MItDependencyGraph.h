@@ -51,6 +51,14 @@ public:
     Traversal currentTraversal(MStatus* ReturnStatus = nullptr);
     Level     currentLevel(MStatus* ReturnStatus = nullptr);
     MFn::Type currentFilter(MStatus* ReturnStatus = nullptr);
+    bool      isDirectionDownStream(MStatus* ReturnStatus = nullptr);
+    bool      isTraversalDepthFirst(MStatus* ReturnStatus = nullptr);
+    /// These begin again at the root.
+    MStatus   toggleDirection();
+    MStatus   toggleTraversal();
+    MStatus   toggleLevel();
+    MStatus   setCurrentFilter(const MFn::Type& filter);
+    MStatus   resetFilter();
     /// With pruning the walk does not go on behind nodes that the filter leaves out.
     MStatus   enablePruningOnFilter();
     MStatus   disablePruningOnFilter();
