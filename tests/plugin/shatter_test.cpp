@@ -376,17 +376,18 @@ TEST_F(ShatterScene, EvaluatedAgainGivesTheSame)
     EXPECT_EQ(all(), first);
 }
 
-/// A row in place of a command's own, which fails at the n-th call.
+/// A row in place of a command's own, which fails at the n-th call or does something else first.
 class Failing
 {
 public:
-    Failing(const char* name, int at) : row_(*mirk::command::find(name)), own_(mirk::command::find(name))
+    Failing(const char* name, int at, void (*then)() = [] { throw mirk::command::Error("made to fail"); }) : row_(*mirk::command::find(name)), own_(mirk::command::find(name))
     {
         left = at;
+        does = then;
         handler = own_->handler;
         row_.handler = [](mirk::command::Call& call) {
             if (left > 0 && --left == 0)
-                throw mirk::command::Error("made to fail");
+                does();
             return handler(call);
         };
         mirk::command::add(row_);
@@ -395,12 +396,33 @@ public:
     static bool happened() { return left == 0; }
 
     static inline int                  left = 0;
+    static inline void (*does)() = nullptr;
     static inline mirk::command::Handler handler = nullptr;
 
 private:
     mirk::command::Command        row_;
     const mirk::command::Command* own_;
 };
+
+TEST_F(ShatterScene, IsAsBeforeAfterAnInterrupt)
+{
+    run("createNode transform -n r; createNode mesh -n rShape -p r; connectAttr s.outGeometry rShape.inMesh; select -r m.vtx[1:3] other");
+    struct Case { const char* command; int at; bool stopped; };
+    const Case cases[] = {{"setAttr", 1, true}, {"setAttr", 30, true}, {"connectAttr", 20, true}, {"connectAttr", 36, false}};   // the last: it meets the clean-up
+    for (const Case& c : cases) {
+        run("setAttr s.distance 0");
+        mirk::undo::flush();
+        const SceneState before = stateOfScene();
+        const Warnings   errors(mirk::message::kError);
+        int              faces = 0;
+        {
+            const Failing failing(c.command, c.at, mirk::mel::interrupt);
+            faces = mirk::mel::execute("polyEvaluate -f rShape").asInt();
+        }
+        EXPECT_TRUE(stateOfScene() == before) << c.command << c.at;
+        EXPECT_EQ(faces == 6, c.stopped) << c.command << c.at;
+    }
+}
 
 TEST_F(ShatterScene, IsAsBeforeAfterEveryCommandThatFails)
 {
@@ -432,24 +454,11 @@ TEST_F(ShatterScene, IsAsBeforeAfterEveryCommandThatFails)
 /// The source goes while its shards are cut.
 TEST_F(ShatterScene, SurvivesTheEndOfItsSource)
 {
-    static int calls = 0;
-    calls = 0;
-    const mirk::command::Command* own = mirk::command::find("setAttr");
-    mirk::command::Command        row = *own;
-    static mirk::command::Handler handler;
-    handler = own->handler;
-    row.handler = [](mirk::command::Call& call) {
-        if (++calls == 40)
-            mirk::mel::execute("delete m");
-        return handler(call);
-    };
     const std::set<std::string> before = nodes();
     {
         const Warnings errors(mirk::message::kError);
-        mirk::command::add(row);
-        const int faces = MFnMesh(result()).numPolygons();
-        mirk::command::add(*own);
-        EXPECT_EQ(faces, 6);
+        const Failing  failing("setAttr", 40, [] { mirk::mel::execute("delete m"); });
+        EXPECT_EQ(MFnMesh(result()).numPolygons(), 6);
         EXPECT_FALSE(errors.texts.empty());
     }
     std::set<std::string> after = nodes();
