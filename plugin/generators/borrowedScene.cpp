@@ -15,7 +15,7 @@ BorrowedScene::BorrowedScene()
 BorrowedScene::~BorrowedScene()
 {
     deleteNodes();
-    if (echo_ == 1)
+    if (echo_ == 1 && !MGlobal::executeCommand("commandEcho -st 1", false, false))   // interrupted: that was the cook
         MGlobal::executeCommand("commandEcho -st 1", false, false);
     MGlobal::setActiveSelectionList(selection_);
     MGlobal::setHiliteList(hilite_);

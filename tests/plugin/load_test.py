@@ -5,6 +5,7 @@ import os
 import sys
 
 import maya.cmds as mc
+import maya.mel as mm
 
 DIRECTORY = os.environ['MIRK_SCRIPT_PATH']
 INTERACTIVE = not mc.about(batch=True)
@@ -98,3 +99,9 @@ check(mc.isConnected(shape + '.worldInverseMatrix[0]', shatter + '.inWorldInvers
 check(mc.nodeType(mc.listRelatives(scatter, shapes=True)[0] if mc.listRelatives(scatter, shapes=True) else scatter) == 'scatter',
       'points come from a scatter')
 check(mc.polyEvaluate(shape, face=True) == 6, 'it rests until autoEvaluate is on')
+mc.setAttr(cube + '.translateX', 5)
+baked = mm.eval('bake_SHATTER_MIRK "%s.autoEvaluate"' % shatter)
+check(mc.polyEvaluate(baked, shell=True) > 2 and not mc.listConnections(mc.listRelatives(baked, shapes=True)[0] + '.inMesh'),
+      'baked shards are a mesh of their own')
+check(mc.getAttr(baked + '.translateX') == 5, 'they stand where the shape does')
+check(not mc.getAttr(shatter + '.autoEvaluate') and mc.polyEvaluate(shape, face=True) == 6, 'the node rests again')

@@ -1,8 +1,11 @@
 // shatter through the graph: laws of Voronoi cells, what it passes on as it is, and a scene that it leaves as it was.
 #include <gtest/gtest.h>
 
+#include <maya/MDGContext.h>
+#include <maya/MDGContextGuard.h>
 #include <maya/MFnMesh.h>
 #include <maya/MGlobal.h>
+#include <maya/MTime.h>
 
 #include <cmath>
 #include <random>
@@ -331,6 +334,32 @@ TEST_F(ShatterScene, IsAsBeforeWhoeverAsks)
     }
 }
 
+TEST_F(ShatterScene, AtAnotherTime)
+{
+    run("setKeyframe -t 1 -v 0 s.distance; setKeyframe -t 10 -v 0.25 s.distance; currentTime 1; select -r m.vtx[1:3] other");
+    EXPECT_NEAR(Pieces(result()).volume(), 1, 1e-4);
+    const SceneState before = stateOfScene();
+    {
+        const MDGContextGuard guard(MDGContext(MTime(10, MTime::uiUnit())));
+        const double          volume = Pieces(result()).volume();
+        EXPECT_GT(volume, 0.1);
+        EXPECT_LT(volume, 0.6);
+    }
+    EXPECT_TRUE(stateOfScene() == before);
+    EXPECT_NEAR(Pieces(result()).volume(), 1, 1e-4);
+}
+
+TEST_F(ShatterScene, NamesThatAreNotUnique)
+{
+    run("group -n a m; duplicate -n b a; setAttr \"b|m.tx\" 3; delete s");
+    run("createNode shatter -n s; connectAttr \"b|m|mShape.worldMesh[0]\" s.inGeometry; connectAttr arrays.cells s.inPositionPP;"
+        "setAttr s.autoEvaluate 1; setAttr s.printStatus 0; connectAttr \"b|m|mShape.worldInverseMatrix[0]\" s.inWorldInverseMatrix");
+    run("setAttr arrays.cells -type vectorArray 4 2.5 -0.5 -0.5 3.5 -0.5 -0.5 2.5 0.5 -0.5 2.5 -0.5 0.5");   // where b is
+    const Pieces pieces(result());
+    EXPECT_EQ(pieces.pieces.size(), 4u);
+    EXPECT_NEAR(pieces.volume(), 1, 1e-4);
+}
+
 TEST_F(ShatterScene, EvaluatedAgainGivesTheSame)
 {
     const auto all = [&] {
@@ -347,17 +376,18 @@ TEST_F(ShatterScene, EvaluatedAgainGivesTheSame)
     EXPECT_EQ(all(), first);
 }
 
-/// A row in place of a command's own, which fails at the n-th call.
+/// A row in place of a command's own, which fails at the n-th call or does something else first.
 class Failing
 {
 public:
-    Failing(const char* name, int at) : row_(*mirk::command::find(name)), own_(mirk::command::find(name))
+    Failing(const char* name, int at, void (*then)() = [] { throw mirk::command::Error("made to fail"); }) : row_(*mirk::command::find(name)), own_(mirk::command::find(name))
     {
         left = at;
+        does = then;
         handler = own_->handler;
         row_.handler = [](mirk::command::Call& call) {
             if (left > 0 && --left == 0)
-                throw mirk::command::Error("made to fail");
+                does();
             return handler(call);
         };
         mirk::command::add(row_);
@@ -366,12 +396,33 @@ public:
     static bool happened() { return left == 0; }
 
     static inline int                  left = 0;
+    static inline void (*does)() = nullptr;
     static inline mirk::command::Handler handler = nullptr;
 
 private:
     mirk::command::Command        row_;
     const mirk::command::Command* own_;
 };
+
+TEST_F(ShatterScene, IsAsBeforeAfterAnInterrupt)
+{
+    run("createNode transform -n r; createNode mesh -n rShape -p r; connectAttr s.outGeometry rShape.inMesh; select -r m.vtx[1:3] other");
+    struct Case { const char* command; int at; bool stopped; };
+    const Case cases[] = {{"setAttr", 1, true}, {"setAttr", 30, true}, {"connectAttr", 20, true}, {"connectAttr", 36, false}};   // the last: it meets the clean-up
+    for (const Case& c : cases) {
+        run("setAttr s.distance 0");
+        mirk::undo::flush();
+        const SceneState before = stateOfScene();
+        const Warnings   errors(mirk::message::kError);
+        int              faces = 0;
+        {
+            const Failing failing(c.command, c.at, mirk::mel::interrupt);
+            faces = mirk::mel::execute("polyEvaluate -f rShape").asInt();
+        }
+        EXPECT_TRUE(stateOfScene() == before) << c.command << c.at;
+        EXPECT_EQ(faces == 6, c.stopped) << c.command << c.at;
+    }
+}
 
 TEST_F(ShatterScene, IsAsBeforeAfterEveryCommandThatFails)
 {
@@ -403,24 +454,11 @@ TEST_F(ShatterScene, IsAsBeforeAfterEveryCommandThatFails)
 /// The source goes while its shards are cut.
 TEST_F(ShatterScene, SurvivesTheEndOfItsSource)
 {
-    static int calls = 0;
-    calls = 0;
-    const mirk::command::Command* own = mirk::command::find("setAttr");
-    mirk::command::Command        row = *own;
-    static mirk::command::Handler handler;
-    handler = own->handler;
-    row.handler = [](mirk::command::Call& call) {
-        if (++calls == 40)
-            mirk::mel::execute("delete m");
-        return handler(call);
-    };
     const std::set<std::string> before = nodes();
     {
         const Warnings errors(mirk::message::kError);
-        mirk::command::add(row);
-        const int faces = MFnMesh(result()).numPolygons();
-        mirk::command::add(*own);
-        EXPECT_EQ(faces, 6);
+        const Failing  failing("setAttr", 40, [] { mirk::mel::execute("delete m"); });
+        EXPECT_EQ(MFnMesh(result()).numPolygons(), 6);
         EXPECT_FALSE(errors.texts.empty());
     }
     std::set<std::string> after = nodes();
