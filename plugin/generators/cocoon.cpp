@@ -235,7 +235,7 @@ MStatus cocoon::compute(const MPlug& plug, MDataBlock& block)
     const double multiplier = block.inputValue(aThicknessMultiplier).asFloat();
     if (on(aActive)) {                                                   // switch
         const web::Points points = readPoints(block);
-        const web::Links  links = findLinks(block, viewArray(block, aInPosPP).length, points);
+        const web::Links  links = findLinks(block, viewArray(block, aInPosPP, {MFn::kVectorArrayData}).length, points);
         if (links.tooMany)
             warn(plug, ": More than 268435456 links, none is made. Lower maxDistance or set maxConnectionsPerPoint.");
         const web::StrandStyle style = strandStyle(block);
