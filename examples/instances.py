@@ -34,7 +34,7 @@ def placed(kind, name, repeat):
 
 
 ground = mc.polyPlane(width=24, height=24, subdivisionsX=1, subdivisionsY=1, name='ground')[0]
-mc.setAttr(ground + '.translateY', 0.01)           # above the grid of the viewport
+mc.setAttr(ground + '.translateY', 0.04)           # above the grid of the viewport
 tiles, grain = placed('checker', 'tiles', 6), placed('noise', 'grain', 2)
 mc.setAttr(tiles + '.color2', 0.22, 0.30, 0.18, type='float3')
 mc.setAttr(grain + '.colorGain', 0.75, 0.65, 0.5, type='float3')
