@@ -159,13 +159,13 @@ TEST_F(ShellNode, StatesAndInputsThatAreNone)
 
 TEST_F(ShellNode, ReadersOfAShellThatIsGoneGetNothing)
 {
-    planes(3, "createNode decimateArray -name d; connectAttr s.outShellData[2].outPositionPP d.inArray; setAttr d.stepB 1");
-    EXPECT_EQ(vectors("d.outArray").size(), 4u);
+    planes(3, "createNode network -name d; addAttr -longName v -dataType vectorArray d; connectAttr s.outShellData[2].outPositionPP d.v");
+    EXPECT_EQ(vectors("d.v").size(), 4u);
     run("setAttr s.nodeState 1");
-    EXPECT_TRUE(vectors("d.outArray").empty());
+    EXPECT_TRUE(vectors("d.v").empty());
     EXPECT_EQ(plug("s.outShellData").numElements(), 1u);   // the one that is read
     run("setAttr s.nodeState 0");
-    EXPECT_EQ(vectors("d.outArray").size(), 4u);
+    EXPECT_EQ(vectors("d.v").size(), 4u);
     EXPECT_TRUE(vectors("s.outShellData[9].outPositionPP").empty());   // asked for, and never was
     EXPECT_EQ(count(), 3);
 }
