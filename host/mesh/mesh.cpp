@@ -1,5 +1,7 @@
 #include "mesh/mesh.h"
 
+#include <cmath>
+
 #include "mesh/space.h"
 
 namespace mirk {
@@ -164,11 +166,17 @@ void MeshBody::bounds(float box[6]) const
 {
     std::fill(box, box + 6, 0.0f);
     const float* p = points();
-    for (int i = 0; i < vertexCount(); ++i, p += 3)
+    bool         any = false;
+    for (int i = 0; i < vertexCount(); ++i, p += 3) {
+        // one that is not finite would hide where all the others are
+        if (!std::isfinite(p[0]) || !std::isfinite(p[1]) || !std::isfinite(p[2]))
+            continue;
         for (int k = 0; k < 3; ++k) {
-            box[k] = i ? std::min(box[k], p[k]) : p[k];
-            box[k + 3] = i ? std::max(box[k + 3], p[k]) : p[k];
+            box[k] = any ? std::min(box[k], p[k]) : p[k];
+            box[k + 3] = any ? std::max(box[k + 3], p[k]) : p[k];
         }
+        any = true;
+    }
 }
 
 const Buffer<uint8_t>& MeshBody::hardOfCorners() const

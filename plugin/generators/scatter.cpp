@@ -2,6 +2,7 @@
 
 #include <maya/MBoundingBox.h>
 #include <maya/MColorArray.h>
+#include <maya/MComputation.h>
 #include <maya/MDGContext.h>
 #include <maya/MDataHandle.h>
 #include <maya/MFloatPoint.h>
@@ -18,6 +19,7 @@
 #include <maya/MVector.h>
 
 #include <algorithm>
+#include <cmath>
 #include <optional>
 #include <vector>
 
@@ -101,7 +103,8 @@ Box boxOf(const MPlug& inGeometry, const MFnMesh& mesh)
         MPointArray points;
         mesh.getPoints(points, MSpace::kWorld);
         for (unsigned int i = 0; i < points.length(); ++i)
-            bounds.expand(points[i]);
+            if (std::isfinite(points[i].x) && std::isfinite(points[i].y) && std::isfinite(points[i].z))
+                bounds.expand(points[i]);
     }
     const MPoint low = bounds.min(), high = bounds.max();
     return {{low.x, low.y, low.z}, {high.x, high.y, high.z}};
@@ -172,10 +175,41 @@ Rules rulesOf(MDataBlock& block, bool flat)
     return rules;
 }
 
+/// Of the throws; short runs are over before anybody could want to end them.
+class Interruption
+{
+public:
+    explicit Interruption(const MPlug& plug) : plug_(plug) {}
+    ~Interruption()
+    {
+        if (begun_)
+            computation_.endComputation();
+    }
+    Interruption(const Interruption&) = delete;
+    Interruption& operator=(const Interruption&) = delete;
+
+    bool isRequested()
+    {
+        if (!begun_)
+            computation_.beginComputation(false, true, false);
+        begun_ = true;
+        if (!computation_.isInterruptRequested())
+            return false;
+        warn(plug_, ": Interrupted. The points that were found are kept.");
+        return true;
+    }
+
+private:
+    const MPlug& plug_;
+    MComputation computation_;
+    bool         begun_ = false;
+};
+
 /// All that the points are made of is read before the first draw: where the generator is shared, what is evaluated
 /// upstream may use it too.
-Cloud scatterPoints(MDataBlock& block, const MObject& node)
+Cloud scatterPoints(const MPlug& plug, MDataBlock& block)
 {
+    const MObject node = plug.node();
     MDataHandle input = block.inputValue(scatter::aInGeo);
     if (input.type() != MFnData::kMesh)
         return {};
@@ -200,8 +234,12 @@ Cloud scatterPoints(MDataBlock& block, const MObject& node)
     const Textures               textures = readTextures(block, node);
     const MeshSurface surface(mesh, data, world, given || (rules.mode != Mode::kSurface && rules.surfaceOffset > 0.0f));
 
+    Interruption interruption(plug);
+    rules.stopsHere = [&] { return interruption.isRequested(); };
     Draws draws(block.inputValue(scatter::aSeed).asInt());
     Cloud cloud = throwPoints(surface, RandomAim(box, toMatrix(world)), rules, draws);
+    if (!lengthFits(plug, cloud.points.size(), 3))
+        return {};
     filterByTextures(textures, node, mesh, cloud, draws);
     if (frustum)
         cloud.filter([&](std::size_t i) { return frustum->contains(cloud.points[i]); });
@@ -220,7 +258,7 @@ MStatus scatter::compute(const MPlug& plug, MDataBlock& block)
 
     Cloud cloud;                                                         // switch, connection test, work
     if (state != kHasNoEffect && block.inputValue(aEnvelope).asBool() && MPlug(thisMObject(), aInGeo).isConnected())
-        cloud = scatterPoints(block, thisMObject());
+        cloud = scatterPoints(plug, block);
 
     block.outputValue(aOutGeo).copy(block.inputValue(aInGeo));           // write, even if empty
     const auto count = static_cast<unsigned int>(cloud.points.size());

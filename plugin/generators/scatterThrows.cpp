@@ -26,8 +26,13 @@ public:
 
     Cloud run()
     {
-        for (int i = 0; i < rules_.throwCount && goesOn_; ++i)
+        constexpr int kBetween = 1 << 14;   // some hundredths of a second
+        for (int i = 0; i < rules_.throwCount && goesOn_; ++i) {
+            if (i % kBetween == kBetween - 1 && rules_.stopsHere && rules_.stopsHere())
+                break;
             throwOnce(i);
+            goesOn_ = goesOn_ && cloud_.points.size() <= rules_.mostPoints;
+        }
         return std::move(cloud_);
     }
 

@@ -1,5 +1,6 @@
 // The throws of scatter: rays through a box against a surface, and which of their sources and hits become points.
 #pragma once
+#include <functional>
 #include <vector>
 
 #include "generators/scatterSteps.h"
@@ -26,6 +27,9 @@ public:
     virtual bool nearest(const Float3& p, Float3& nearest) const = 0;
 };
 
+/// More points than this are not made: the run ends with one more.
+constexpr std::size_t kMostPoints = (std::size_t(1) << 28) / 3;
+
 enum class Mode : short { kVolume, kSurface, kBoth };
 
 struct Rules
@@ -39,6 +43,8 @@ struct Rules
     float               maxDistance = 9999999.0f;  ///< in lengths of the direction
     float               spacing = 0.0f;
     std::vector<float>  densityMask, spacingMask;  ///< one entry a vertex; empty: not in use
+    std::size_t         mostPoints = kMostPoints;
+    std::function<bool()> stopsHere;               ///< asked now and then in a long run, true ends it
 };
 
 /// Points in the order of the throws, each with the hit that it comes from.
@@ -53,7 +59,7 @@ struct Cloud
     void filter(Keep keep);
 };
 
-/// Draws six numbers a throw without given sources, and one for each point that meets a density mask.
+/// Ends early with more than `mostPoints`. Draws six numbers a throw without given sources, and one for each point that meets a density mask.
 Cloud throwPoints(const Surface& surface, const RandomAim& aim, const Rules& rules, Draws& draws);
 
 template <class Keep>

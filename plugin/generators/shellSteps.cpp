@@ -1,6 +1,8 @@
 #include "generators/shellSteps.h"
 
 #include <algorithm>
+#include <cmath>
+#include <limits>
 
 namespace shells {
 
@@ -8,18 +10,23 @@ namespace {
 
 std::size_t at(int i) { return static_cast<std::size_t>(i); }
 
-/// The box of n positions, one after the other.
+/// The box of n positions, one after the other. One that is not finite is left out: it would take its whole shell along.
 Box boxOf(const double* xyz, std::size_t n)
 {
-    Box box{};
-    for (std::size_t k = 0; k < 3 && n > 0; ++k) {
-        double low = xyz[k], high = xyz[k];
-        for (std::size_t i = 1; i < n; ++i) {
-            low = std::min(low, xyz[3 * i + k]);
-            high = std::max(high, xyz[3 * i + k]);
+    constexpr double kInfinity = std::numeric_limits<double>::infinity();
+    double           low[3] = {kInfinity, kInfinity, kInfinity}, high[3] = {-kInfinity, -kInfinity, -kInfinity};
+    for (const double* p = xyz; p != xyz + 3 * n; p += 3) {
+        if (!std::isfinite(p[0]) || !std::isfinite(p[1]) || !std::isfinite(p[2]))
+            continue;
+        for (int k = 0; k < 3; ++k) {
+            low[k] = std::min(low[k], p[k]);
+            high[k] = std::max(high[k], p[k]);
         }
-        box.center[k] = 0.5 * (low + high);
-        box.size[k] = high - low;
+    }
+    Box box{};
+    for (int k = 0; k < 3 && low[0] <= high[0]; ++k) {
+        box.center[k] = 0.5 * (low[k] + high[k]);
+        box.size[k] = high[k] - low[k];
     }
     return box;
 }

@@ -43,7 +43,8 @@ struct Box
     double center[3], size[3];
 };
 
-/// Boxes of all shells. One without vertices is a point at the origin.
+/// Boxes of all shells. Positions that are not finite do not count; a box of none is a
+/// point at the origin.
 std::vector<Box> boxesOf(const Shells& shells, const std::vector<double>& xyz);
 
 /// What is done to a shell: p becomes (p - its centre) * matrix + target, with row vectors.

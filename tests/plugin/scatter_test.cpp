@@ -132,6 +132,23 @@ TEST(ScatterThrows, WhatCountsTowardsTheMaximum)
     EXPECT_EQ(thrown(Mode::kVolume, 100, 1.0f, 1.0f, {0.0f, 0.0f, 0.0f}), 10u) << "a mask of 0: no spacing";
 }
 
+TEST(ScatterThrows, LongRunsEndEarly)
+{
+    const std::vector<Float3> sources(50000);
+    Rules                     rules;
+    rules.throwCount = rules.maxCount = 50000;
+    rules.sources = sources.data();
+    Draws draws(1);
+    const auto count = [&] { return throwPoints(Ceiling(), RandomAim({}, {}), rules, draws).points.size(); };
+    EXPECT_EQ(count(), 50000u);
+    int asked = 0;
+    rules.stopsHere = [&] { return ++asked == 2; };
+    EXPECT_LT(count(), 50000u);
+    EXPECT_GT(count(), 1000u) << "what is there is kept";
+    rules.mostPoints = 300;
+    EXPECT_EQ(count(), 301u) << "one too many tells that the limit was met";
+}
+
 // ---- the node ------------------------------------------------------------------------------------------------------
 
 namespace {
@@ -228,6 +245,19 @@ TEST_F(Scatter, GivenPointsAreThrownAtTheNearestPlace)
     run("setAttr s.scatterMode 2; setAttr s.maxDistanceFromSurface -1");
     expectNear(points(), {{0.2, 0.05, 0}, {0.5, 0.05, 0}, {0.5, 0, 0}, {0, 0.1, 0}, {0, 0.5, 0}, {-0.3, 0, 0.1}, {-0.5, 0, 0.1}});
     EXPECT_EQ(after("setAttr m.scaleX 0"), 0u) << "nothing is found through a matrix without inverse";
+}
+
+TEST_F(Scatter, PointsOfTheMeshThatAreNoPlacesTakeNothingElseAlong)
+{
+    for (const double bad : {std::nan(""), HUGE_VAL}) {
+        run("file -force -new");
+        on("polyCube -subdivisionsX 4 -subdivisionsY 4 -subdivisionsZ 4", "setAttr s.scatterMode 1");
+        plug("mShape.pnts[0].pntx").setDouble(bad);                     // a corner: three faces of 96 are gone
+        EXPECT_EQ(plug("mShape.boundingBoxMaxX").asDouble(), 0.5);
+        EXPECT_GT(after(""), 1700u);
+        run("createNode shell -name h; connectAttr mShape.outMesh h.inMesh; connectAttr -force h.outMesh s.inGeometry");
+        EXPECT_GT(after(""), 1700u) << "a mesh without a shape";
+    }
 }
 
 TEST_F(Scatter, Masks)

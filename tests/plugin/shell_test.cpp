@@ -185,6 +185,23 @@ TEST_F(ShellNode, PiecesLeaveTheSceneAsItWas)
     EXPECT_EQ(count(), 0);
 }
 
+TEST(ShellSteps, PositionsThatAreNoPlacesTakeNothingElseAlong)
+{
+    constexpr double kNan = std::numeric_limits<double>::quiet_NaN(), kInf = std::numeric_limits<double>::infinity();
+    shells::Shells   found;
+    found.first = {0, 4, 5};
+    found.vertices = {0, 1, 2, 3, 4};
+    std::vector<double>      xyz = {kNan, 9, 9, 1, 2, 3, 3, 4, 5, 9, kInf, 9, kNan, kNan, kNan}, placed;
+    std::vector<shells::Box> boxes = shells::boxesOf(found, xyz);
+    EXPECT_EQ(std::vector<double>(boxes[0].center, boxes[0].center + 3), (std::vector<double>{2, 3, 4}));
+    EXPECT_EQ(std::vector<double>(boxes[0].size, boxes[0].size + 3), (std::vector<double>{2, 2, 2}));
+    EXPECT_EQ(boxes[1].center[0], 0.0);
+    const shells::Move turned{{{-1, 0, 0}, {0, -1, 0}, {0, 0, 1}}, {10, 0, 0}};
+    shells::moveShells(found, {turned, turned}, boxes, xyz, placed);
+    EXPECT_EQ(std::vector<double>(xyz.begin() + 3, xyz.begin() + 9), (std::vector<double>{11, 1, -1, 9, -1, 1}));
+    EXPECT_EQ(boxes[0].center[0], 10.0);
+}
+
 TEST(ShellSteps, PiecesThatTheHostTellsOddly)
 {
     shells::Faces faces;   // two triangles with a corner in common, one apart
