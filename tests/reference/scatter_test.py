@@ -153,7 +153,7 @@ def scene(rng):
         mc.setAttr(node + '.' + name, rules[key])
     if rng.random() < 0.3:
         rules['density'] = mask(rng, node, geometry, 'useVertexColorsAsMask', 'colorSet')
-    if rng.random() < 0.3:
+    elif rng.random() < 0.3:
         rules['distances'] = mask(rng, node, geometry, 'useVertexColorsAsPntToPntDistMask', 'colorSetMinPntToPntDist')
     if rng.random() < 0.3:
         rules['given'] = given(rng, node, geometry)
