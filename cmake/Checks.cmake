@@ -26,7 +26,9 @@ if(EXISTS /usr/share/glmark2/models/bunny.obj)
   add_test(NAME example.wave COMMAND mirk run "${CMAKE_SOURCE_DIR}/examples/wave.py" --frames 1-2
            --render "${CMAKE_BINARY_DIR}/wave.##.png" --width 160 --height 90)
   add_test(NAME example.path COMMAND mirk run "${CMAKE_SOURCE_DIR}/examples/path.py")
-  set_tests_properties(example.path PROPERTIES ENVIRONMENT "MIRK_PATHS=3")
+  set_tests_properties(example.path PROPERTIES ENVIRONMENT "MIRK_PATHS=12")
+  add_test(NAME example.shatter_bunny COMMAND mirk run "${CMAKE_SOURCE_DIR}/examples/shatter_bunny.py")
+  set_tests_properties(example.shatter_bunny PROPERTIES ENVIRONMENT "MIRK_SHARDS=12")
   add_test(NAME example.scatter COMMAND mirk run "${CMAKE_SOURCE_DIR}/examples/scatter.py")
   set_tests_properties(example.scatter PROPERTIES ENVIRONMENT "MIRK_THROWS=20000")
   add_test(NAME example.cocoon COMMAND mirk run "${CMAKE_SOURCE_DIR}/examples/cocoon.py"

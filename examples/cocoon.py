@@ -16,7 +16,7 @@ MODEL = os.environ.get('MIRK_BUNNY', '/usr/share/glmark2/models/bunny.obj')
 POINTS = int(os.environ.get('MIRK_POINTS', '5200'))   # of the cocoon
 THREADS = 2                   # from each of them
 
-BODY, FOOT, CROWN = (0.30, 0.10, 0.10), (0.20, 0.62, 0.86), (1.00, 0.82, 0.45)
+BODY, FOOT, CROWN = (0.44, 0.14, 0.12), (0.20, 0.62, 0.86), (1.00, 0.82, 0.45)
 
 # Along the normals, further where the noise is high; $BBY is the height of the mesh.
 SWELL = '''
@@ -84,7 +84,7 @@ def frame(points):
     low, high = ([f(c) for c in zip(*points)] for f in (min, max))
     center = [(a + b) / 2.0 for a, b in zip(low, high)]
     radius = max(b - a for a, b in zip(low, high)) / 2.0
-    turn, tilt, distance = math.radians(20.0), math.radians(9.0), 4.2 * radius
+    turn, tilt, distance = math.radians(20.0), math.radians(9.0), 3.7 * radius
     mc.setAttr('persp.translate', center[0] + distance * math.sin(turn) * math.cos(tilt),
                center[1] + distance * math.sin(tilt), center[2] + distance * math.cos(turn) * math.cos(tilt), type='double3')
     mc.setAttr('persp.rotate', -math.degrees(tilt), math.degrees(turn), 0.0, type='double3')

@@ -36,14 +36,16 @@ $EZ = $light * (0.42 - 0.36 * $warm);
 
 
 def importModel():
-    """The mesh shape and its transform."""
+    """The mesh shape and its transform, which stands on the ground."""
     if os.path.isfile(MODEL):
         shape = mc.ls(mc.file(MODEL, i=True, type='OBJ', returnNewNodes=True), type='mesh', long=True)[0]
     else:
         shape = mc.listRelatives(mc.polySphere(subdivisionsX=60, subdivisionsY=40)[0], shapes=True, fullPath=True)[0]
-    mc.polyColorPerVertex(mc.listRelatives(shape, parent=True, fullPath=True)[0], rgb=SKIN, alpha=1)
+    transform = mc.listRelatives(shape, parent=True, fullPath=True)[0]
+    mc.setAttr(transform + '.translateY', -mc.getAttr(shape + '.boundingBoxMinY'))
+    mc.polyColorPerVertex(transform, rgb=SKIN, alpha=1)
     mc.setAttr(shape + '.displayColors', True)
-    return shape
+    return shape, transform
 
 
 def sources():
@@ -86,17 +88,18 @@ def looks(positions, numbers, height):
 
 
 def frameCamera(low, high):
+    """Puts the perspective camera in front of that box on the ground, a little above and to the side."""
     h = high[1] - low[1]
-    turn, tilt, distance = math.radians(22.0), math.radians(10.0), 1.95 * h
+    turn, tilt, distance = math.radians(22.0), math.radians(9.0), 1.95 * h
     mc.setAttr('persp.translate', (low[0] + high[0]) / 2.0 + distance * math.sin(turn) * math.cos(tilt),
-               (low[1] + high[1]) / 2.0 + distance * math.sin(tilt),
+               0.5 * h + distance * math.sin(tilt),
                (low[2] + high[2]) / 2.0 + distance * math.cos(turn) * math.cos(tilt), type='double3')
     mc.setAttr('persp.rotate', -math.degrees(tilt), math.degrees(turn), 0.0, type='double3')
 
 
 def main():
-    shape = importModel()
-    mesh = shape + '.worldMesh[0]'
+    shape, transform = importModel()
+    mesh = shape + '.outMesh'
     low, high = ([mc.getAttr('%s.boundingBox%s%s' % (shape, end, axis)) for axis in 'XYZ'] for end in ('Min', 'Max'))
     height = high[1] - low[1]
     positions, normals, numbers = scattered(mesh, height)
@@ -109,7 +112,7 @@ def main():
                            (indices, 'indexArray')):
         mc.connectAttr(source, '%s.%s' % (copier, target))
     mc.setAttr(copier + '.inheritVertexColor', True)
-    result = mc.createNode('mesh', name='copiesShape')
+    result = mc.createNode('mesh', name='copiesShape', parent=transform)
     mc.connectAttr(copier + '.outputMesh', result + '.inMesh')
     mc.setAttr(result + '.displayColors', True)
     frameCamera(low, high)

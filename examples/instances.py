@@ -34,6 +34,7 @@ def placed(kind, name, repeat):
 
 
 ground = mc.polyPlane(width=24, height=24, subdivisionsX=1, subdivisionsY=1, name='ground')[0]
+mc.setAttr(ground + '.translateY', 0.04)           # above the grid of the viewport
 tiles, grain = placed('checker', 'tiles', 6), placed('noise', 'grain', 2)
 mc.setAttr(tiles + '.color2', 0.22, 0.30, 0.18, type='float3')
 mc.setAttr(grain + '.colorGain', 0.75, 0.65, 0.5, type='float3')
@@ -65,8 +66,8 @@ for name, kind, values in (('sizePP', 'vectorArray', sizes), ('turnPP', 'vectorA
     mc.setAttr('%s.%s' % (stones, name), len(values), *values, type=kind)
 field = mc.particleInstancer(stones, addObject=True, object=[block, ball], scale='sizePP', rotation='turnPP', objectIndex='shapePP', name='field')
 
-mc.setAttr('persp.translate', 15, 11, 17, type='double3')
-mc.setAttr('persp.rotate', -28, 41, 0, type='double3')
+mc.setAttr('persp.translate', 18.4, 15.5, 21.2, type='double3')
+mc.setAttr('persp.rotate', -31, 41, 0, type='double3')
 mc.select(clear=True)
 
 low, high = mc.getAttr(field + '.boundingBoxMinX'), mc.getAttr(field + '.boundingBoxMaxX')

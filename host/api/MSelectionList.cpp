@@ -106,11 +106,12 @@ MStatus addItem(MSelectionList& list, const Item& item, bool merge)
 {
     if (!usable(item))
         return MS::kInvalidParameter;
+    if (!merge) {
+        SelectionAccess::append(list, item);
+        return MS::kSuccess;
+    }
     std::vector<Item> items = SelectionAccess::items(list);
-    if (merge)
-        mergeItem(items, item);
-    else
-        items.push_back(item);
+    mergeItem(items, item);
     SelectionAccess::set(list, std::move(items));
     return MS::kSuccess;
 }
@@ -180,13 +181,10 @@ MStatus MSelectionList::add(const char* matchString) { return add(MString(matchS
 
 MStatus MSelectionList::add(const MString& matchString, bool)
 {
-    const std::vector<Item> found = names::resolve(matchString.asChar());
-    if (found.empty())
-        return MS::kInvalidParameter;
-    std::vector<Item> items = items_->items();
-    items.insert(items.end(), found.begin(), found.end());
-    SelectionAccess::set(*this, std::move(items));
-    return MS::kSuccess;
+    std::vector<Item> found = names::resolve(matchString.asChar());
+    for (Item& item : found)
+        items_->append(std::move(item));
+    return found.empty() ? MS::kInvalidParameter : MS::kSuccess;
 }
 
 MStatus MSelectionList::remove(unsigned index)

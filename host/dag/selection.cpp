@@ -17,6 +17,13 @@ HeldItems& HeldItems::operator=(HeldItems o)
 }
 HeldItems::~HeldItems() { count(-1); }
 
+void HeldItems::append(Item item)
+{
+    if (item.plug)
+        ++item.plug->users;
+    items_.push_back(std::move(item));
+}
+
 void HeldItems::count(int by)
 {
     for (Item& i : items_)

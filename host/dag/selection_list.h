@@ -16,6 +16,7 @@ public:
     HeldItems& operator=(HeldItems o);
     ~HeldItems();
     const std::vector<Item>& items() const { return items_; }
+    void append(Item item);   ///< without a look at the others
 
 private:
     void count(int by);

@@ -1,5 +1,6 @@
 #include "nodes/poly_shapes.h"
 
+#include <bit>
 #include <cmath>
 #include <numbers>
 
@@ -31,6 +32,9 @@ void addFace(Shape& s, std::initializer_list<int> vertices, std::initializer_lis
     s.connects.insert(s.connects.end(), vertices);
     s.uvIds.insert(s.uvIds.end(), uvs);
 }
+
+/// The faces since the last call are of that side.
+void endSide(Shape& s, uint8_t side) { s.sides.resize(s.counts.size(), side); }
 
 double angleAt(int j, int count) { return kTurn * (j + 1) / count; }
 
@@ -127,12 +131,16 @@ Shape capped(double radius, double height, int around, int along, int caps, bool
             addFace(s, {vertex(i, j), vertex(i, j + 1), vertex(i + 1, j + 1), vertex(i + 1, j)}, {a + j, a + next, b + next, b + j});
         }
     };
+    enum Side : uint8_t { kBelow, kAround, kAbove };
     for (int i = 0; i < firstSide; ++i)
         band(i, low, i, false);
+    endSide(s, kBelow);
     for (int i = firstSide; i < lastSide; ++i)
         band(i, side, i - firstSide, true);
+    endSide(s, kAround);
     for (int i = lastSide; i < lastRow; ++i)
         band(i, high, i - lastSide, false);
+    endSide(s, kAbove);
 
     const auto polygon = [&](int i, int uv, bool reversed) {
         s.counts.push_back(around);
@@ -149,6 +157,7 @@ Shape capped(double radius, double height, int around, int along, int caps, bool
         for (int j = 0; j < around; ++j)
             addFace(s, {vertex(0, j + 1), vertex(0, j), bottom}, {low.front() + (j + 1) % around, low.front() + j, p});
     }
+    endSide(s, kBelow);
     if (toPoint) {
         for (int j = 0; j < around; ++j) {
             const int p = addUV(s, 0.375 + 0.25 * (j + 0.5) / around, kSideHigh);
@@ -161,6 +170,7 @@ Shape capped(double radius, double height, int around, int along, int caps, bool
         for (int j = 0; j < around; ++j)
             addFace(s, {vertex(lastRow, j), vertex(lastRow, j + 1), top}, {high.back() + j, high.back() + (j + 1) % around, p});
     }
+    endSide(s, toPoint ? kAround : kAbove);
     return s;
 }
 
@@ -217,7 +227,8 @@ Shape cube(double width, double height, double depth, int sw, int sh, int sd)
     }
     const auto band = [&](int r, int c) { return r % ring * (sw + 1) + c; };
     const auto bandUV = [&](int r, int c) { return r * (sw + 1) + c; };
-    for (int r = 0; r < ring; ++r)
+    const auto quarter = [&](int r) { return uint8_t(r <= sh ? 0 : r <= sh + sd ? 1 : r <= 2 * sh + sd ? 2 : 3); };
+    for (int r = 0; r < ring; endSide(s, quarter(++r)))
         for (int c = 0; c < sw; ++c)
             addFace(s, {band(r, c), band(r, c + 1), band(r + 1, c + 1), band(r + 1, c)}, {bandUV(r, c), bandUV(r, c + 1), bandUV(r + 1, c + 1), bandUV(r + 1, c)});
 
@@ -247,6 +258,7 @@ Shape cube(double width, double height, double depth, int sw, int sh, int sd)
                 const size_t a = size_t(h * (sd + 1) + k), b = a + size_t(sd) + 1;
                 addFace(s, {vertices[a], vertices[a + 1], vertices[b + 1], vertices[b]}, {uvs[a], uvs[a + 1], uvs[b + 1], uvs[b]});
             }
+        endSide(s, right ? 4 : 5);
     }
     return s;
 }
@@ -263,6 +275,31 @@ void turnTo(Shape& shape, const double axis[3])
             shape.points[i + k] = p[0] * m[0][k] + p[1] * m[1][k] + p[2] * m[2][k];
     }
 }
+
+namespace {
+
+/// An edge is between two sides if both of its vertices are on both.
+void hardenBetweenSides(const Shape& shape, MeshBody& body)
+{
+    std::vector<uint8_t> on(shape.vertexCount());   // a bit a side
+    size_t               corner = 0;
+    for (size_t f = 0; f < shape.counts.size(); ++f)
+        for (int k = 0; k < shape.counts[f]; ++k)
+            on[size_t(shape.connects[corner++])] |= uint8_t(1u << shape.sides[f]);
+    auto hard = make<HardCorners>();
+    hard->corners.resize(shape.connects.size());
+    corner = 0;
+    for (const int count : shape.counts) {
+        for (int k = 0; k < count; ++k) {
+            const int a = shape.connects[corner + size_t(k)], b = shape.connects[corner + size_t((k + 1) % count)];
+            hard->corners[corner + size_t(k)] = std::popcount(uint8_t(on[size_t(a)] & on[size_t(b)])) > 1;
+        }
+        corner += size_t(count);
+    }
+    body.setHardCorners(std::move(hard));
+}
+
+}  // namespace
 
 Ref<MeshData> toMesh(const Shape& shape, bool withUVs, std::string& why)
 {
@@ -282,6 +319,8 @@ Ref<MeshData> toMesh(const Shape& shape, bool withUVs, std::string& why)
         mesh->body->writeUVSet(0).uvs = uvs;
         mesh->body->assignUVs(0, make<Buffer<int>>(shape.uvIds.data(), shape.uvIds.size()));
     }
+    if (!shape.sides.empty())
+        hardenBetweenSides(shape, *mesh->body);
     return mesh;
 }
 

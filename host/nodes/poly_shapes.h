@@ -1,6 +1,7 @@
 // The polygon primitives as plain arrays, centred at the origin, standing on Y. Orders of vertices and faces are those
 // that scripts expect of the host: rings from below, counter-clockwise seen from above, poles last.
 #pragma once
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -14,6 +15,7 @@ struct Shape
     std::vector<double> points;                     ///< x, y, z of each vertex
     std::vector<int>    counts, connects, uvIds;    ///< uvIds: one a corner
     std::vector<float>  u, v;
+    std::vector<uint8_t> sides;                     ///< one a face, below 8; edges between two of them are hard. Empty: none are
     size_t vertexCount() const { return points.size() / 3; }
 };
 

@@ -54,7 +54,7 @@ std::vector<MPlug> elementsOf(MArrayDataHandle& handle, const MPlug& multi)
 MStatus copier::initialize()
 {
     const auto doublesOrVectors = {MFnData::kDoubleArray, MFnData::kVectorArray};
-    using attr::kInput, attr::kOutput, attr::kStored;
+    using attr::kInput, attr::kOutput;
     const attr::Row rows[] = {
         attr::numeric(aCount, "count", "cnt", MFnNumericData::kInt, 0.0, kOutput),
         attr::typed(aInstancerData, "instancerData", "ins", MFnData::kDynArrayAttrs, kOutput),
@@ -64,32 +64,32 @@ MStatus copier::initialize()
         attr::multi(attr::typed(aInMesh, "inputMesh", "in", MFnData::kMesh, kInput)),
         attr::typed(aIndexArray, "indexArray", "idx", MFnData::kDoubleArray, kInput),
         attr::typed(aPosArray, "posArray", "pos", MFnData::kVectorArray, kInput),
-        attr::enumeration(aOrient, "orient", "ori", {{"orient by Aim & Up", 0}, {"orient by Rot", 1}}, 0, kStored),
+        attr::enumeration(aOrient, "orient", "ori", {{"orient by Aim & Up", 0}, {"orient by Rot", 1}}, 0, attr::kControl),
         attr::typed(aAimArray, "aimArray", "aim", MFnData::kVectorArray, kInput),
         attr::typed(aUpArray, "upArray", "up", MFnData::kVectorArray, kInput),
         attr::typed(aRotArray, "rotArray", "rot", MFnData::kVectorArray, kInput),
         attr::enumeration(aRotOrder, "rotOrder", "ro",
-                          {{"XYZ", 0}, {"YZX", 1}, {"ZXY", 2}, {"XZY", 3}, {"YXZ", 4}, {"ZYX", 5}}, 0, kStored),
-        attr::enumeration(aRotUnits, "rotUnits", "ru", {{"degrees", 0}, {"radians", 1}}, 0, kStored),
+                          {{"XYZ", 0}, {"YZX", 1}, {"ZXY", 2}, {"XZY", 3}, {"YXZ", 4}, {"ZYX", 5}}, 0, attr::kControl),
+        attr::enumeration(aRotUnits, "rotUnits", "ru", {{"degrees", 0}, {"radians", 1}}, 0, attr::kControl),
         attr::typed(aUvArray, "uvArray", "uvs", MFnData::kDoubleArray, kInput),
         attr::typed(aScaleArray, "scaleArray", "scl", MFnData::kVectorArray, kInput),
         attr::typed(aUniformScaleArray, "uniformScaleArray", "uScl", MFnData::kDoubleArray, kInput),
         timeRow(aTime, "time", "t"),
-        attr::numeric(aToggleTimeShift, "toggleTimeShift", "tts", MFnNumericData::kBoolean, 0.0, kStored),
+        attr::numeric(aToggleTimeShift, "toggleTimeShift", "tts", MFnNumericData::kBoolean, 0.0, attr::kControl),
         attr::typed(aTimeShift, "timeShift", "ts", MFnData::kDoubleArray, kInput),
-        attr::numeric(aOriginalVertexColor, "originalVertexColor", "ovc", MFnNumericData::kBoolean, 0.0, kStored),
-        attr::numeric(aInheritVertexColor, "inheritVertexColor", "ivc", MFnNumericData::kBoolean, 0.0, kStored),
+        attr::numeric(aOriginalVertexColor, "originalVertexColor", "ovc", MFnNumericData::kBoolean, 0.0, attr::kControl),
+        attr::numeric(aInheritVertexColor, "inheritVertexColor", "ivc", MFnNumericData::kBoolean, 0.0, attr::kControl),
         attr::generic(aRgbArray, "rgbArray", "rgb", doublesOrVectors, kInput),
         attr::multi(attr::generic(aInDataPP, "inDataPP", "idpp", doublesOrVectors, kInput)),
         attr::multi(attr::typed(aOutDataPP, "outDataPP", "odpp", MFnData::kDoubleArray, kOutput)),
-        attr::numeric(aToggleUV, "toggleUV", "tuv", MFnNumericData::kBoolean, 0.0, kStored),
-        attr::numeric(aToggleSoftHard, "toggleSoftHard", "tsh", MFnNumericData::kBoolean, 0.0, kStored),
+        attr::numeric(aToggleUV, "toggleUV", "tuv", MFnNumericData::kBoolean, 0.0, attr::kControl),
+        attr::numeric(aToggleSoftHard, "toggleSoftHard", "tsh", MFnNumericData::kBoolean, 0.0, attr::kControl),
         attr::multi(attr::message(aOverride, "override", "overide", kInput)),   // scenes have the short name like that
-        attr::numeric(aSeed, "seed", "seed", MFnNumericData::kInt, 12345.0, kStored),
-        attr::numeric(aMinimum, "minimum", "min", MFnNumericData::kDouble, 0.0, kStored),
-        attr::numeric(aMaximum, "maximum", "max", MFnNumericData::kDouble, 1.0, kStored),
+        attr::numeric(aSeed, "seed", "seed", MFnNumericData::kInt, 12345.0, attr::kControl),
+        attr::numeric(aMinimum, "minimum", "min", MFnNumericData::kDouble, 0.0, attr::kControl),
+        attr::numeric(aMaximum, "maximum", "max", MFnNumericData::kDouble, 1.0, attr::kControl),
         attr::numeric(aSkipElementsWithZeroSurfaceArea, "skipElementsWithZeroSurfaceArea", "sewzsa",
-                      MFnNumericData::kBoolean, 1.0, kStored),
+                      MFnNumericData::kBoolean, 1.0, attr::kControl),
     };
     return attr::declare(rows);
 }

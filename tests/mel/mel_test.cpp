@@ -222,7 +222,7 @@ TEST_F(Mel, InterruptStopsALoopAndIsNotCaught)
     std::thread other([&] {
         while (!done)
         {
-            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+            std::this_thread::sleep_for(std::chrono::milliseconds(50));
             interrupt();
         }
     });

@@ -90,6 +90,27 @@ TEST(PolyShapes, ClosedAndFacingOutwards)
     EXPECT_NEAR(ball.points[0], std::sin(kPi / 20) * std::cos(kPi / 10), 1e-12);
 }
 
+TEST(PolyShapes, EdgesBetweenSidesAreHard)
+{
+    const struct { const char* what; Shape shape; int hard; } cases[] = {
+        {"cube", poly::cube(1, 1, 1, 1, 1, 1), 12},
+        {"divided cube", poly::cube(1, 1, 1, 2, 3, 4), 4 * (2 + 3 + 4)},
+        {"thin cube", poly::cube(1, 1, 1, 1, 2, 1), 4 * (1 + 2 + 1)},
+        {"cylinder", poly::cylinder(1, 2, 10, 3, 2), 20},
+        {"cylinder of three sides", poly::cylinder(1, 2, 3, 1, 0), 6},
+        {"cone", poly::cone(1, 2, 10, 2, 3), 10},
+        {"sphere", poly::sphere(1, 8, 6), 0},
+    };
+    for (const auto& c : cases) {
+        std::string         why;
+        const Ref<MeshData> mesh = poly::toMesh(c.shape, false, why);
+        int                 hard = 0;
+        for (int e = 0; e < mesh->body->edgeCount(); ++e)
+            hard += !mesh->body->edgeSmooth(e);
+        EXPECT_EQ(hard, c.hard) << c.what;
+    }
+}
+
 struct Makers : SceneTest
 {
     template <class T>
