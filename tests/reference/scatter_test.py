@@ -154,7 +154,12 @@ def scene(rng):
     if rng.random() < 0.3:
         rules['density'] = mask(rng, node, geometry, 'useVertexColorsAsMask', 'colorSet')
     if rng.random() < 0.3:
-        rules['distances'] = mask(rng, node, geometry, 'useVertexColorsAsPntToPntDistMask', 'colorSetMinPntToPntDist')
+        if 'density' in rules:                                   # one painting for both
+            mc.setAttr(node + '.useVertexColorsAsPntToPntDistMask', True)
+            mc.setAttr(node + '.colorSetMinPntToPntDist', mc.getAttr(node + '.colorSet') or '', type='string')
+            rules['distances'] = rules['density']
+        else:
+            rules['distances'] = mask(rng, node, geometry, 'useVertexColorsAsPntToPntDistMask', 'colorSetMinPntToPntDist')
     if rng.random() < 0.3:
         rules['given'] = given(rng, node, geometry)
     if rng.random() < 0.3:
