@@ -7,7 +7,7 @@ namespace copies {
 
 int sourceOf(double index, std::size_t sources)
 {
-    if (!(index > -1.0) || sources == 0)        // NaN as well; what lies between -1 and 0 has the integer part 0
+    if (!(index > -1.0) || sources == 0)        // NaN as well; what lies between -1 and 0 is truncated to 0
         return kNoSource;
     if (index >= double(sources) + 1.0)
         return int(sources - 1);
