@@ -10,7 +10,7 @@
 
 #include "mesh/close_border.h"
 #include "mesh/cut.h"
-#include "mesh/primitives.h"
+#include "../../tests/support/primitives.h"
 #include "plain_cut.h"
 
 namespace {

@@ -23,7 +23,7 @@
 #include "bench.h"
 #include "data/mobject.h"
 #include "io/obj.h"
-#include "mesh/primitives.h"
+#include "../../tests/support/primitives.h"
 #include "plain_spatial.h"
 
 namespace {

@@ -10,7 +10,7 @@
 
 #include "data/mobject.h"
 #include "mesh/mesh.h"
-#include "mesh/primitives.h"
+#include "support/primitives.h"
 
 namespace mirk::test {
 

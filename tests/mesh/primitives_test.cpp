@@ -58,30 +58,3 @@ TEST(Primitives, PlaneOrder)
     expectPoint(*b, 3, -2, 0, -1);
     EXPECT_EQ(faceOf(*b, 1), (std::vector<int>{1, 2, 5, 4}));
 }
-
-TEST(Primitives, HardEdgesAreTheRims)
-{
-    struct Case { const char* name; Ref<MeshBody> body; int hard; };
-    const Case cases[] = {
-        {"cube",            primitives::cube(1, 1, 1, 1, 1, 1), 12},
-        {"divided cube",    primitives::cube(1, 1, 1, 2, 3, 4), 4 * (2 + 3 + 4)},
-        {"cylinder",        primitives::cylinder(1, 2, 20, 3, 2), 40},
-        {"cone",            primitives::cone(1, 2, 20, 2, 0), 20},
-        {"sphere",          primitives::sphere(1, 20, 20), 0},
-    };
-    for (const Case& c : cases) {
-        int hard = 0;
-        for (int e = 0; e < c.body->edgeCount(); ++e)
-            hard += !c.body->edgeSmooth(e);
-        EXPECT_EQ(hard, c.hard) << c.name;
-    }
-}
-
-TEST(Primitives, SizesThatMakeNoSenseAreRaisedOrRefused)
-{
-    EXPECT_EQ(primitives::sphere(1, -5, 0)->vertexCount(), 5);
-    EXPECT_EQ(primitives::cube(0, 0, 0, 0, 0, 0)->faceCount(), 6);
-    EXPECT_EQ(primitives::plane(1, 1, 100000, 100000), nullptr);
-    EXPECT_EQ(primitives::cube(1, 1, 1, 2147483647, 2147483647, 2147483647), nullptr);
-    EXPECT_EQ(primitives::cylinder(1, 1, 2147483647, 1, 2147483647), nullptr);
-}
